@@ -1,0 +1,209 @@
+// Modules: the tree walks and the members every module answers.
+#include "core/krModule.h"
+
+#include <algorithm>
+
+#include "render/krVideoItem.h"
+#include "script/krVArray.h"
+#include "script/krVBound.h"
+#include "script/krVObject.h"
+
+krModule::krModule(krModule* o) : owner(o) {
+    if (owner) video = owner->video;
+}
+
+krModule::~krModule() {
+    if (tag) tag->release();
+}
+
+void krModule::addChild(krModule* child) {
+    children.push_back(child);
+    childrenChanged();
+}
+
+void krModule::removeChild(krModule* child) {
+    auto it = std::find(children.begin(), children.end(), child);
+    if (it != children.end()) children.erase(it);
+    childrenChanged();
+}
+
+void krModule::attach() {
+    if (owner) owner->addChild(this);
+}
+
+bool krModule::init() {
+    // The count is taken once: modules that init creates are initialised by whoever made them.
+    for (int i = static_cast<int>(children.size()) - 1; i >= 0; --i) {
+        if (i >= static_cast<int>(children.size())) continue;
+        if (!children[static_cast<size_t>(i)]->init()) return false;
+    }
+    return true;
+}
+
+bool krModule::update(float dt) {
+    // By index against the present size: a child may delete itself or its siblings meanwhile,
+    // and the reference held across its update keeps it alive until the walk has left it.
+    int i = static_cast<int>(children.size());
+    while (--i >= 0) {
+        if (i >= static_cast<int>(children.size())) continue;
+        krModule* child = children[static_cast<size_t>(i)];
+        if (!child->enabled) continue;
+        child->addRef();
+        const bool ok = child->update(dt);
+        child->release();
+        if (!ok) return false;
+    }
+    return true;
+}
+
+void krModule::deinit() {
+    krVariant* result = fireEvent("delete", noArgs);
+    if (result) result->release();
+    clearItems();
+    clear();
+    visible = false;
+    enabled = false;
+    if (owner) {
+        owner->removeChild(this);
+        owner = nullptr;
+    }
+    if (tag) {
+        krVariant* old = tag;
+        tag = nullptr;
+        old->release();
+    }
+}
+
+void krModule::moveToFirst() {
+    if (!owner || owner->children.empty() || owner->children.front() == this) return;
+    auto& list = owner->children;
+    auto it = std::find(list.begin(), list.end(), this);
+    if (it == list.end()) return;
+    list.erase(it);
+    list.insert(list.begin(), this);
+    owner->childrenChanged();
+}
+
+void krModule::moveToLast() {
+    if (!owner || owner->children.empty() || owner->children.back() == this) return;
+    auto& list = owner->children;
+    auto it = std::find(list.begin(), list.end(), this);
+    if (it == list.end()) return;
+    list.erase(it);
+    list.push_back(this);
+    owner->childrenChanged();
+}
+
+void krModule::clearItems() {
+    // An item takes itself off the list when destroyed.
+    while (!videoItems.empty()) {
+        krVideoItem* item = videoItems.back();
+        delete item;
+        if (!videoItems.empty() && videoItems.back() == item) videoItems.pop_back();
+    }
+}
+
+void krModule::clear() {
+    // Last child first; each child leaves the vector in its own deinit, so walk by index
+    // against the present size.
+    while (!children.empty()) {
+        krModule* child = children.back();
+        child->deinit();
+        if (!children.empty() && children.back() == child) children.pop_back();
+        child->release();
+    }
+}
+
+void krModule::setOwner(krModule* newOwner) {
+    // A module cannot move below itself: the tree would become a cycle.
+    for (krModule* m = newOwner; m; m = m->owner)
+        if (m == this) return;
+    if (owner) owner->removeChild(this);
+    owner = newOwner;
+    if (!owner) {
+        video = nullptr;
+        return;
+    }
+    owner->addChild(this);
+    video = owner->video;
+}
+
+krVector3 krModule::getVelocityAt(const krVector3& point) {
+    return owner ? owner->getVelocityAt(point) : krVector3();
+}
+
+krVariant* krModule::getMember(const std::string& name, krBlock* caller, const krArgs& args) {
+    if (name == "init") return new krVBool(init());
+    if (name == "clear") {
+        clear();
+        return nullptr;
+    }
+    if (name == "visible") return new krVBool(visible);
+    if (name == "audible") return new krVBool(audible);
+    if (name == "enabled") return new krVBool(enabled);
+    if (name == "tag") return tag ? tag->addRef() : nullptr;
+    if (name == "owner") return new krVObject(owner);
+    if (name == "show") {
+        setVisible(true);
+        return nullptr;
+    }
+    if (name == "hide") {
+        setVisible(false);
+        return nullptr;
+    }
+    if (name == "enable") {
+        setEnabled(true);
+        return nullptr;
+    }
+    if (name == "disable") {
+        setEnabled(false);
+        return nullptr;
+    }
+    if (name == "moveToFirst" && args.empty()) {
+        moveToFirst();
+        return nullptr;
+    }
+    if (name == "moveToLast" && args.empty()) {
+        moveToLast();
+        return nullptr;
+    }
+    if (name == "class") return new krVString(className());
+    if (name == "count") return new krVInt(static_cast<int32_t>(children.size()));
+    if (name == "child" && args.size() == 1) {
+        const int32_t index = args[0]->toInt();
+        if (index < 0 || index >= static_cast<int32_t>(children.size())) return nullptr;
+        return new krVObject(children[static_cast<size_t>(index)]);
+    }
+    if (name == "children") {
+        auto* list = new krVArray();
+        for (krModule* child : children) list->append(new krVObject(child));
+        return list;
+    }
+    if (name == "videoitems") {
+        auto* list = new krVArray();
+        for (krVideoItem* item : videoItems) list->append(new krVString(item->className()));
+        return list;
+    }
+    return krScriptObject::getMember(name, caller, args);
+}
+
+void krModule::setMember(const std::string& name, krVariant* value) {
+    if (name == "visible") {
+        setVisible(value->toBool());
+    } else if (name == "audible") {
+        setAudible(value->toBool());
+    } else if (name == "enabled") {
+        setEnabled(value->toBool());
+    } else if (name == "tag") {
+        krVariant* stored = value->share();
+        if (tag) tag->release();
+        tag = stored;
+    } else if (name == "owner") {
+        // An object value's int is its handle; anything that is not a live module means no owner.
+        krScriptObject* target = krScriptObject::fromHandle(value->toInt());
+        auto* module = dynamic_cast<krModule*>(target);
+        if (module || !target) setOwner(module);
+    } else {
+        krScriptObject::setMember(name, value);
+    }
+}

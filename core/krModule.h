@@ -1,0 +1,65 @@
+// krModule: a node of the engine's object tree. Owners hold their children; the frame walks the
+// tree last child first; teardown clears it last child first while each parent is still whole.
+#pragma once
+
+#include <list>
+
+#include "core/krMatrix.h"
+#include "core/krScriptObject.h"
+#include "core/krVector3.h"
+
+class krVideo;
+class krVideoItem;
+class krSkeleton;
+
+class krModule : public krScriptObject {
+public:
+    explicit krModule(krModule* owner);
+    ~krModule() override;
+
+    krVariant* getMember(const std::string& name, krBlock* caller, const krArgs& args) override;
+    void setMember(const std::string& name, krVariant* value) override;
+    const char* className() const override { return "krModule"; }
+
+    virtual void addChild(krModule* child);
+    virtual void removeChild(krModule* child);
+    virtual void childrenChanged() {}
+    virtual void attach();
+    virtual void deinit();
+    virtual bool init();
+    virtual bool update(float dt);
+    virtual void moveToFirst();
+    virtual void moveToLast();
+    virtual void clearItems();
+    virtual void clear();
+    virtual void setOwner(krModule* newOwner);
+    virtual void setVideo(krVideo* v) { video = v; }
+    virtual void setVisible(bool v) { visible = v; }
+    virtual void setAudible(bool a) { audible = a; }
+    virtual void setEnabled(bool e) { enabled = e; }
+    virtual void setMatrix(const krMatrix& m) { matrix = m; }
+    virtual bool isInView() { return true; }
+    virtual krSkeleton* getSkeleton() { return nullptr; }
+    virtual krVector3 getVelocityAt(const krVector3& point);
+
+    krModule* getOwner() const { return owner; }
+    krVideo* getVideo() const { return video; }
+    const std::vector<krModule*>& getChildren() const { return children; }
+    std::list<krVideoItem*>& getVideoItems() { return videoItems; }
+    const krMatrix& getMatrix() const { return matrix; }
+    bool isVisible() const { return visible; }
+    bool isAudible() const { return audible; }
+    bool isEnabled() const { return enabled; }
+    krVariant* getTag() const { return tag; }
+
+protected:
+    krVariant* tag = nullptr;
+    krVideo* video = nullptr;
+    krModule* owner = nullptr;
+    std::vector<krModule*> children;
+    std::list<krVideoItem*> videoItems;
+    krMatrix matrix{true};
+    bool visible = false;
+    bool audible = false;
+    bool enabled = true;
+};

@@ -1,0 +1,287 @@
+// Loaded scripts: variables by the store rule, frames, functions, bindings, settings files.
+#include "script/krScript.h"
+
+#include <cstdio>
+
+#include "core/krHandles.h"
+#include "script/krParser.h"
+
+int64_t krScript::stepsLeft = -1;
+
+krScript::krScript() : krMultiBlock(nullptr) { script = this; }
+
+krScript::~krScript() {
+    // The destructor function runs while the script is still whole.
+    if (destructor) {
+        status = krStatusRun;
+        krFunction* d = destructor;
+        destructor = nullptr;
+        if (krVariant* result = d->call(nullptr, nullptr)) result->release();
+        d->retire();
+    }
+    for (krVariant*& v : fieldValues) {
+        krVariant* old = v;
+        v = nullptr;
+        if (old) old->release();
+    }
+    deleteFunctions();
+    auto records = std::move(bindings);
+    bindings.clear();
+    for (Binding& b : records) b.object->removeEvent(b.name, b.handler);
+    for (krFunction* f : eventFunctions) f->retire();
+    eventFunctions.clear();
+    while (!frames.empty()) popFrame();
+    krHandles::drop(handleId);
+}
+
+void krScript::deleteFunctions() {
+    auto old = std::move(functions);
+    functions.clear();
+    ++functionTableVersion;
+    for (auto& entry : old) entry.second->retire();
+}
+
+krVariant* krScript::eval() {
+    status = krStatusRun;
+    enter();
+    krVariant* result = runBlocks();
+    status = krStatusRun;
+    // The main code runs once; what lives on are fields, functions and bindings.
+    clearBlocks();
+    leave();
+    return result;
+}
+
+void krScript::load(const char* text) {
+    deleteFunctions();
+    clearBlocks();
+    krParser::parseFile(this, text, 0);
+}
+
+void krScript::reload(const char* text) {
+    clearBlocks();
+    krParser::parseFile(this, text, 0);
+}
+
+void krScript::forgetEvent(krScriptObject* object, const std::string& name, krFunction* handler) {
+    for (auto it = bindings.begin(); it != bindings.end(); ++it) {
+        if (it->object == object && it->handler == handler && it->name == name) {
+            bindings.erase(it);
+            return;
+        }
+    }
+}
+
+int32_t krScript::fieldSlot(const std::string& name) {
+    auto it = fieldIndex.find(name);
+    if (it != fieldIndex.end()) return it->second;
+    const auto slot = static_cast<int32_t>(fieldValues.size());
+    fieldValues.push_back(nullptr);
+    fieldIndex.emplace(name, slot);
+    return slot;
+}
+
+void krScript::storeFieldValue(int32_t slot, krVariant* value) {
+    krVariant* old = fieldValues[static_cast<size_t>(slot)];
+    fieldValues[static_cast<size_t>(slot)] = value;
+    if (old) old->release();
+}
+
+void krScript::pushFrame(krFrameLayout* layout) {
+    Frame f{layout, static_cast<int32_t>(slots.size()), layout->size()};
+    slots.resize(slots.size() + static_cast<size_t>(f.size), nullptr);
+    frames.push_back(f);
+}
+
+void krScript::popFrame() {
+    if (frames.empty()) return;
+    const Frame f = frames.back();
+    // Values are released after the frame is gone, so a destructor reached from a release sees
+    // a consistent stack.
+    std::vector<krVariant*> dying(slots.begin() + f.base, slots.end());
+    slots.resize(static_cast<size_t>(f.base));
+    frames.pop_back();
+    for (krVariant* v : dying)
+        if (v) v->release();
+}
+
+void krScript::storeFrameValue(int32_t slot, krVariant* value) {
+    Frame& f = frames.back();
+    if (slot >= f.size) {
+        f.size = slot + 1;
+        slots.resize(static_cast<size_t>(f.base + f.size), nullptr);
+    }
+    krVariant*& place = slots[static_cast<size_t>(f.base + slot)];
+    krVariant* old = place;
+    place = value;
+    if (old) old->release();
+}
+
+void krScript::store(krVariant*& slot, krVariant* value) {
+    krVariant* old = slot;
+    if (old && old->type() == value->type() && !old->isFrozen()) {
+        old->assign(value);
+        value->release();
+        return;
+    }
+    slot = value;
+    if (old) old->release();
+}
+
+krVariant* krScript::getVariable(const std::string& name) {
+    if (krVariant* v = getLocal(name)) return v;
+    return getField(name);
+}
+
+krVariant* krScript::getField(const std::string& name) {
+    auto it = fieldIndex.find(name);
+    if (it == fieldIndex.end()) return nullptr;
+    krVariant* v = fieldValues[static_cast<size_t>(it->second)];
+    return v ? v->addRef() : nullptr;
+}
+
+krVariant* krScript::getLocal(const std::string& name) {
+    if (frames.empty()) return nullptr;
+    krVariant* v = frameValue(frames.back().layout->slot(name, false));
+    return v ? v->addRef() : nullptr;
+}
+
+void krScript::setVariable(const std::string& name, krVariant* value) {
+    if (!value) return;
+    if (!frames.empty()) {
+        const int32_t slot = frames.back().layout->slot(name, false);
+        if (frameValue(slot)) {
+            setLocal(name, value);
+            return;
+        }
+    }
+    auto it = fieldIndex.find(name);
+    if ((it != fieldIndex.end() && fieldValues[static_cast<size_t>(it->second)]) || frames.empty())
+        setField(name, value);
+    else
+        setLocal(name, value);
+}
+
+void krScript::setField(const std::string& name, krVariant* value) {
+    if (!value) return;
+    const auto slot = static_cast<size_t>(fieldSlot(name));
+    store(fieldValues[slot], value);
+}
+
+void krScript::setLocal(const std::string& name, krVariant* value) {
+    if (!value) return;
+    if (frames.empty()) {
+        value->release();
+        return;
+    }
+    const int32_t index = frames.back().layout->slot(name, true);
+    // Make room first, so that the slot exists for the store rule.
+    if (!frameValue(index)) {
+        storeFrameValue(index, value);
+        return;
+    }
+    Frame& f = frames.back();
+    store(slots[static_cast<size_t>(f.base + index)], value);
+}
+
+krFunction* krScript::getFunction(const std::string& name) {
+    auto it = functions.find(name);
+    return it == functions.end() ? nullptr : it->second;
+}
+
+void krScript::setFunction(const std::string& name, krFunction* function) {
+    ++functionTableVersion;
+    auto [it, inserted] = functions.try_emplace(name, function);
+    if (inserted) return;
+    krFunction* old = it->second;
+    it->second = function;
+    if (old != function) old->retire();
+}
+
+void krScript::setDestructor(krFunction* function) {
+    krFunction* old = destructor;
+    destructor = function;
+    if (old && old != function) old->retire();
+}
+
+void krScript::bindEvent(krScriptObject* object, const std::string& name, krFunction* handler) {
+    if (!object || !handler) return;
+    bindings.push_back(Binding{object, name, handler});
+    object->addEvent(name, handler);
+}
+
+void krScript::clearEvent(krScriptObject* object, const std::string& name) {
+    if (!object) return;
+    for (auto it = bindings.begin(); it != bindings.end(); ++it) {
+        if (it->object == object && it->name == name) {
+            krFunction* handler = it->handler;
+            bindings.erase(it);
+            object->removeEvent(name, handler);
+            return;
+        }
+    }
+}
+
+namespace {
+bool readLines(const std::string& path, std::vector<std::string>& lines) {
+    FILE* f = std::fopen(path.c_str(), "r");
+    if (!f) return false;
+    std::string text;
+    char buffer[4096];
+    size_t n;
+    while ((n = std::fread(buffer, 1, sizeof buffer, f)) > 0) text.append(buffer, n);
+    std::fclose(f);
+    size_t start = 0;
+    while (start <= text.size()) {
+        size_t end = text.find('\n', start);
+        if (end == std::string::npos) end = text.size();
+        std::string line = text.substr(start, end - start);
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        lines.push_back(line);
+        start = end + 1;
+    }
+    if (!lines.empty() && lines.back().empty()) lines.pop_back();
+    return true;
+}
+}
+
+bool krScript::updateFileVars(const krArgs& names) {
+    if (names.empty()) return false;
+    std::vector<std::string> lines;
+    // A source that cannot be read is a failure: rewriting it would lose the script.
+    if (!readLines(fileName, lines)) return false;
+    for (krVariant* n : names) {
+        const std::string name = n->toString();
+        krVariant* value = getField(name);
+        if (!value) continue;
+        const std::string prefix = "$" + name + " ";
+        const std::string line = prefix + "= " + value->toLiteral() + ";";
+        value->release();
+        bool replaced = false;
+        for (std::string& l : lines) {
+            if (l.compare(0, prefix.size(), prefix) == 0) {
+                l = line;
+                replaced = true;
+                break;
+            }
+        }
+        if (!replaced) lines.push_back(line);
+    }
+    FILE* f = std::fopen(fileName.c_str(), "w");
+    if (!f) return false;
+    for (const std::string& l : lines) {
+        std::fwrite(l.data(), 1, l.size(), f);
+        std::fputc('\n', f);
+    }
+    std::fclose(f);
+    return true;
+}
+
+int32_t krScript::handle() {
+    if (!handleId) handleId = krHandles::acquire(this, krHandleKind::script);
+    return handleId;
+}
+
+krScript* krScript::fromHandle(int32_t h) {
+    return static_cast<krScript*>(krHandles::resolve(h, krHandleKind::script));
+}

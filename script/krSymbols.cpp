@@ -1,0 +1,50 @@
+// Constant and function tables.
+#include "script/krSymbols.h"
+
+#include <map>
+
+namespace {
+std::map<std::string, krVariant*>& constants() {
+    static std::map<std::string, krVariant*> table;
+    return table;
+}
+std::map<std::string, krFunctionEntry>& functions() {
+    static std::map<std::string, krFunctionEntry> table;
+    return table;
+}
+}
+
+void krSymbols::addConstant(const std::string& word, krVariant* value) {
+    if (!value) return;
+    value->freeze();
+    auto [it, inserted] = constants().try_emplace(word, value);
+    if (inserted) return;
+    krVariant* old = it->second;
+    it->second = value;
+    old->release();
+}
+
+krVariant* krSymbols::findConstant(const std::string& word) {
+    auto it = constants().find(word);
+    return it == constants().end() ? nullptr : it->second;
+}
+
+void krSymbols::addFunction(const std::string& word, krNativeFunction function, int flags) {
+    functions()[word] = krFunctionEntry{function, nullptr, flags & ~krFuncExternal};
+}
+
+void krSymbols::addExternalFunction(const std::string& word, krExternalFunction function, int flags) {
+    functions()[word] = krFunctionEntry{nullptr, function, flags | krFuncExternal};
+}
+
+const krFunctionEntry* krSymbols::findFunction(const std::string& word) {
+    auto it = functions().find(word);
+    return it == functions().end() ? nullptr : &it->second;
+}
+
+void krSymbols::clear() {
+    auto old = std::move(constants());
+    constants().clear();
+    for (auto& entry : old) entry.second->release();
+    functions().clear();
+}

@@ -1,0 +1,30 @@
+// The process-wide tables that the parser consults for bare words: constants and engine functions.
+// The host fills them before any script is read and empties them at teardown.
+#pragma once
+
+#include <string>
+
+#include "script/krBFuncCall.h"
+
+// Function flags: bit 0 the raw calling form, bit 1 foldable when all arguments are constant.
+constexpr int krFuncExternal = 1;
+constexpr int krFuncFoldable = 2;
+
+struct krFunctionEntry {
+    krNativeFunction native = nullptr;
+    krExternalFunction external = nullptr;
+    int flags = 0;
+};
+
+namespace krSymbols {
+    // Stores `value` under `word`, taking over its reference and freezing it; an older value
+    // under the word is released.
+    void addConstant(const std::string& word, krVariant* value);
+    // The constant of a word, borrowed, or null.
+    krVariant* findConstant(const std::string& word);
+    void addFunction(const std::string& word, krNativeFunction function, int flags);
+    void addExternalFunction(const std::string& word, krExternalFunction function, int flags);
+    const krFunctionEntry* findFunction(const std::string& word);
+    // Releases every constant and empties both tables.
+    void clear();
+}

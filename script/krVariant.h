@@ -1,0 +1,202 @@
+// krVariant: the values of the script language. Reference counted, one small class per kind,
+// converting to and from each other by one table; the bound kinds write through to a field of an
+// engine object. Values come from a pool, since every property read and every arithmetic result
+// makes one.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "core/krScriptObject.h"
+#include "script/krPool.h"
+
+class krBlock;
+struct krIterState;
+
+enum krType : uint8_t {
+    krTypeNone = 0,
+    krTypeBool = 1,
+    krTypeInt = 2,
+    krTypeFloat = 3,
+    krTypeString = 4,
+    krTypeObject = 5,
+    krTypeArray = 6,
+    krTypeScript = 7,
+    krTypeMacro = 8,
+};
+
+class krVariant {
+public:
+    static void* operator new(std::size_t size) { return krPool::allocate(size); }
+    static void operator delete(void* p, std::size_t size) { krPool::free(p, size); }
+
+    krVariant(const krVariant&) = delete;
+    krVariant& operator=(const krVariant&) = delete;
+    virtual ~krVariant() { --instanceCount; }
+
+    krVariant* addRef() { ++refCount; return this; }
+    void release() {
+        if (--refCount < 1) delete this;
+    }
+    int32_t getRefCount() const { return refCount; }
+
+    // The assignment rule: a value held only by its present holder is adopted (count 2, which the
+    // holder's later release brings to 1); a value with other holders is cloned. A frozen value is
+    // always cloned, so nobody can come to own a constant.
+    krVariant* share() {
+        if (refCount == 1 && !frozen) {
+            refCount = 2;
+            return this;
+        }
+        return clone();
+    }
+
+    int type() const { return kind; }
+
+    // Constants of the block tree and of the constant table are frozen: nothing a script does can
+    // change them. Operators that would change one in place work on a copy instead.
+    bool isFrozen() const { return frozen; }
+    virtual void freeze() { frozen = true; }
+
+    virtual krVariant* clone() { return nullptr; }
+    virtual void reset() {}
+    virtual bool toBool() { return false; }
+    virtual int32_t toInt() { return 0; }
+    virtual float toFloat() { return 0; }
+    virtual std::string toString() { return std::string(); }
+    virtual std::string toLiteral() { return "0"; }
+    virtual void setBool(bool) {}
+    virtual void setInt(int32_t) {}
+    virtual void setFloat(float) {}
+    virtual void setString(const std::string&) {}
+    // Appends to the text of a string value (the in-place `+=`).
+    virtual void appendString(const std::string& tail) { setString(toString() + tail); }
+    // Copies a value of any kind into this one, converting.
+    virtual void assign(krVariant*) {}
+
+    // Iteration over the elements of a collection. iterNext returns the next element with a
+    // reference for the caller; at the end it frees the state, nulls it and returns null.
+    // iterFree ends an iteration early.
+    virtual krIterState* iterBegin() { return nullptr; }
+    virtual int32_t count() { return 0; }
+    virtual krVariant* iterNext(krIterState*& state);
+    static void iterFree(krIterState*& state);
+
+    virtual krVariant* getMember(const std::string& name, krBlock* caller, const krArgs& args);
+    virtual void setMember(const std::string&, krVariant*) {}
+    virtual krVariant* getIndex(const std::string&) { return nullptr; }
+    virtual void setIndex(const std::string&, krVariant*) {}
+    // True when the parser may fold the value into the tree.
+    virtual bool isConst() { return true; }
+
+    // Live values in the process, read by scripts as KRSCRIPT_VARIANTCOUNT.
+    static int32_t instanceCount;
+
+protected:
+    explicit krVariant(krType t) : kind(t) { ++instanceCount; }
+
+private:
+    int32_t refCount = 1;
+    krType kind;
+    bool frozen = false;
+};
+
+class krVBool : public krVariant {
+public:
+    explicit krVBool(bool v) : krVariant(krTypeBool), value(v) {}
+    krVariant* clone() override { return new krVBool(value); }
+    void reset() override { setBool(false); }
+    bool toBool() override { return value; }
+    int32_t toInt() override { return value ? 1 : 0; }
+    float toFloat() override { return value ? 1.0f : 0.0f; }
+    std::string toString() override { return value ? "true" : "false"; }
+    std::string toLiteral() override { return toString(); }
+    void setBool(bool v) override {
+        if (!isFrozen()) value = v;
+    }
+    void assign(krVariant* v) override { setBool(v->toBool()); }
+
+private:
+    bool value;
+};
+
+class krVInt : public krVariant {
+public:
+    explicit krVInt(int32_t v) : krVariant(krTypeInt), value(v) {}
+    krVariant* clone() override { return new krVInt(value); }
+    void reset() override { setInt(0); }
+    bool toBool() override { return value != 0; }
+    int32_t toInt() override { return value; }
+    float toFloat() override { return static_cast<float>(value); }
+    std::string toString() override { return std::to_string(value); }
+    std::string toLiteral() override { return toString(); }
+    void setInt(int32_t v) override {
+        if (!isFrozen()) value = v;
+    }
+    void assign(krVariant* v) override { setInt(v->toInt()); }
+
+private:
+    int32_t value;
+};
+
+class krVFloat : public krVariant {
+public:
+    explicit krVFloat(float v) : krVariant(krTypeFloat), value(v) {}
+    krVariant* clone() override { return new krVFloat(value); }
+    void reset() override { setFloat(0); }
+    bool toBool() override { return value != 0; }
+    int32_t toInt() override;
+    float toFloat() override { return value; }
+    std::string toString() override;
+    std::string toLiteral() override { return toString(); }
+    void setFloat(float v) override {
+        if (!isFrozen()) value = v;
+    }
+    void assign(krVariant* v) override { setFloat(v->toFloat()); }
+
+private:
+    float value;
+};
+
+namespace krConvert {
+    // The text between two '"' characters, nothing escaped.
+    std::string quoted(const std::string& text);
+}
+
+class krVString : public krVariant {
+public:
+    explicit krVString(std::string v) : krVariant(krTypeString), value(std::move(v)) {}
+    krVariant* clone() override { return new krVString(value); }
+    void reset() override { setString(std::string()); }
+    bool toBool() override;
+    int32_t toInt() override;
+    float toFloat() override;
+    std::string toString() override { return value; }
+    std::string toLiteral() override { return krConvert::quoted(value); }
+    void setString(const std::string& v) override {
+        if (!isFrozen()) value = v;
+    }
+    void assign(krVariant* v) override;
+    krVariant* getMember(const std::string& name, krBlock* caller, const krArgs& args) override;
+
+    void appendString(const std::string& tail) override {
+        if (!isFrozen()) value += tail;
+    }
+    const std::string& text() const { return value; }
+
+private:
+    std::string value;
+};
+
+// The conversions of text, shared by strings and the string-bound value.
+namespace krConvert {
+    bool stringToBool(const std::string& s);
+    int32_t stringToInt(const std::string& s);
+    float stringToFloat(const std::string& s);
+    // About three significant digits, ties rounded away from zero; 0 gives "0.000000".
+    std::string floatToString(float f);
+    // Float to int truncating toward zero, without undefined behaviour out of range or on NaN.
+    int32_t floatToInt(float f);
+    // The members of text values (`length`, `empty`, `clear`), for strings and bound strings.
+    krVariant* stringMember(krVariant* self, const std::string& text, const std::string& name, const krArgs& args);
+}
