@@ -1,0 +1,119 @@
+// kerrin-dump: shows the chunk tree of any chunk file (id, name where known, offset, size, nesting)
+// and, for a pack, its directory. Problems in the file go to standard error and make the exit
+// status non-zero; what could be read is still shown.
+#include <cinttypes>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "core/krFile.h"
+#include "core/krFileIndexPack.h"
+#include "core/krPackFormat.h"
+#include "krChunkNames.h"
+
+namespace {
+
+// Deeper nesting than any format has; a hostile file gets no deeper into the stack.
+constexpr int maxDepth = 32;
+
+class Dump {
+public:
+    Dump(const std::string& path, krFile& file) : path(path), file(file) {}
+
+    void chunks(krChunk* parent, int depth) {
+        krChunk chunk;
+        for (;;) {
+            const uint32_t at = file.cursor;
+            const uint32_t left = parent ? parent->size : file.size - file.cursor;
+            if (!file.readChunk(&chunk, parent, 0)) {
+                if (left) problem("%" PRIu32 " bytes at offset %" PRIu32 " are too few for a chunk", left, at);
+                return;
+            }
+            const uint32_t claimed = krGetChunkHeader(file.data + at).size;
+            const krChunkName* known = krFindChunkName(chunk.id);
+            std::printf("%*s0x%08" PRIX32 " %-16s at %-10" PRIu32 " size %" PRIu32 "\n", depth * 2, "", chunk.id,
+                        known ? known->name : "?", at, claimed);
+            if (claimed != chunk.size)
+                problem("chunk 0x%08" PRIX32 " at offset %" PRIu32 " claims %" PRIu32 " bytes, %" PRIu32 " are there",
+                        chunk.id, at, claimed, chunk.size);
+            int32_t childrenAt = known ? known->childrenAt : guessChildren(chunk);
+            if (childrenAt != krChunkName::leaf && depth + 1 >= maxDepth) {
+                problem("chunks nested deeper than %d at offset %" PRIu32, maxDepth, at);
+                childrenAt = krChunkName::leaf;
+            }
+            if (childrenAt != krChunkName::leaf && file.readData(&chunk, static_cast<uint32_t>(childrenAt)))
+                chunks(&chunk, depth + 1);
+            file.skipChunk(&chunk);
+        }
+    }
+
+    void packDirectory() {
+        std::printf("\n%-40s %-6s %10s %10s %10s\n", "entry", "method", "offset", "size", "stored");
+        krReadPackDirectory(path, [](const krPackEntry& e) {
+            std::printf("%-40s %-6s %10" PRIu32 " %10" PRIu32 " %10" PRIu32 "\n", e.name.c_str(),
+                        e.method == krPack::storedId ? "stored" : "zlib", e.offset, e.size, e.storedSize);
+        });
+    }
+
+    bool clean() const { return problems == 0; }
+
+private:
+    // A chunk of an unknown id is shown as a parent when its payload is exactly a run of chunks.
+    int32_t guessChildren(const krChunk& chunk) const {
+        const uint8_t* at = reinterpret_cast<const uint8_t*>(file.data + file.cursor);
+        uint32_t left = chunk.size;
+        while (left >= krChunk::headerSize) {
+            const uint32_t size = krGetChunkHeader(at).size;
+            if (size > left - krChunk::headerSize) return krChunkName::leaf;
+            at += krChunk::headerSize + size;
+            left -= krChunk::headerSize + size;
+        }
+        return chunk.size > 0 && left == 0 ? 0 : krChunkName::leaf;
+    }
+
+    template <typename... Args>
+    void problem(const char* format, Args... args) {
+        std::fprintf(stderr, "kerrin-dump: %s: ", path.c_str());
+        std::fprintf(stderr, format, args...);
+        std::fputc('\n', stderr);
+        ++problems;
+    }
+
+    const std::string& path;
+    krFile& file;
+    int problems = 0;
+};
+
+bool dumpFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) {
+        std::fprintf(stderr, "kerrin-dump: cannot open %s\n", path.c_str());
+        return false;
+    }
+    const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    if (in.bad() || bytes.size() >= UINT32_MAX) {
+        std::fprintf(stderr, "kerrin-dump: cannot read %s\n", path.c_str());
+        return false;
+    }
+    krFile file(krFile::inMemory, bytes.data(), static_cast<uint32_t>(bytes.size()));
+    Dump dump(path, file);
+    dump.chunks(nullptr, 0);
+    if (file.size >= krChunk::headerSize && krGetU32(file.data) == krPack::rootId) dump.packDirectory();
+    return dump.clean();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 2) {
+        std::fputs("usage: kerrin-dump FILE...\n", stderr);
+        return 1;
+    }
+    bool ok = true;
+    for (int i = 1; i < argc; ++i) {
+        if (argc > 2) std::printf("%s%s:\n", i > 1 ? "\n" : "", argv[i]);
+        ok = dumpFile(argv[i]) && ok;
+    }
+    return ok ? 0 : 1;
+}
