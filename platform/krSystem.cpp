@@ -19,10 +19,14 @@ bool boxAvailable = false;
 // The share of the stack limit that recursion may use; the rest is left to the C library,
 // sanitizer bookkeeping and the handlers that report the overflow.
 constexpr double stackShare = 0.6;
+// The further share opened while an error report is delivered.
+constexpr double reserveShare = 0.15;
 // Used when the limit is unlimited or cannot be read.
 constexpr size_t defaultStackBytes = 8u << 20;
 const char* stackBase = nullptr;
 size_t stackBudget = 0;
+size_t stackReserve = 0;
+int reserveDepth = 0;
 }
 
 uint64_t krSystem::counter() {
@@ -78,14 +82,19 @@ void krSystem::markStackBase() {
     if (getrlimit(RLIMIT_STACK, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY)
         bytes = static_cast<size_t>(limit.rlim_cur);
     stackBudget = static_cast<size_t>(static_cast<double>(bytes) * stackShare);
+    stackReserve = static_cast<size_t>(static_cast<double>(bytes) * reserveShare);
 }
+
+// Nested reserves do not add up: one further share is all there is.
+krSystem::StackReserve::StackReserve() { ++reserveDepth; }
+krSystem::StackReserve::~StackReserve() { --reserveDepth; }
 
 bool krSystem::stackLow() {
     if (!stackBase) markStackBase();
     char here;
     const char* top = stackBase;
     size_t used = top > &here ? static_cast<size_t>(top - &here) : static_cast<size_t>(&here - top);
-    return used > stackBudget;
+    return used > stackBudget + (reserveDepth > 0 ? stackReserve : 0);
 }
 
 namespace {

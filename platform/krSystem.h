@@ -41,4 +41,13 @@ namespace krSystem {
     bool stackLow();
     // Records the top of the stack; called once at the start of main.
     void markStackBase();
+    // While one lives, recursive code may use a further share of the stack: an error found
+    // because the stack ran low can still be delivered to the script handlers that show it.
+    class StackReserve {
+    public:
+        StackReserve();
+        ~StackReserve();
+        StackReserve(const StackReserve&) = delete;
+        StackReserve& operator=(const StackReserve&) = delete;
+    };
 }

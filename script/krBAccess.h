@@ -12,6 +12,7 @@ public:
     krBVar(krBlock* parent, std::string name, Scope scope = Scope::any);
     krVariant* eval() override;
     void assign(krVariant* value) override;
+    void adoptCopy(krVariant* copy) override { assign(copy); }
     const std::string& getName() const { return name; }
 
 protected:

@@ -149,7 +149,7 @@ bool compoundAccepts(krOp op, int t) {
 // Changes `target` in place by `op` with `operand`; a frozen target is left alone and the result
 // comes back as a new value instead. Returns the value that stands for the result (one reference
 // for the caller, the target's own reference passed on) or null after a report.
-krVariant* compound(krOp op, krVariant* target, krVariant* operand, const krBlock* where) {
+krVariant* compound(krOp op, krVariant* target, krVariant* operand, krBlock* side, const krBlock* where) {
     const int t = target->type();
     if (!compoundAccepts(op, t)) {
         reportError(where, std::string("Operator ") + compoundText(op) + " undefined for this type");
@@ -157,7 +157,8 @@ krVariant* compound(krOp op, krVariant* target, krVariant* operand, const krBloc
     }
     const krOp plain = plainOf(op);
     krVariant* out = target;
-    if (target->isFrozen()) {
+    const bool copied = target->isFrozen();
+    if (copied) {
         out = target->clone();
         target->release();
     }
@@ -175,6 +176,7 @@ krVariant* compound(krOp op, krVariant* target, krVariant* operand, const krBloc
         int32_t i;
         if (intArith(plain, out->toInt(), operand->toInt(), i, where)) out->setInt(i);
     }
+    if (copied) side->adoptCopy(out);
     return out;
 }
 
@@ -316,7 +318,8 @@ krVariant* krBOp<O>::eval() {
             else oldValue = new krVInt(v->toInt());
         }
         if (changes) {
-            if (v->isFrozen()) {
+            const bool copied = v->isFrozen();
+            if (copied) {
                 krVariant* copy = v->clone();
                 v->release();
                 v = copy;
@@ -325,6 +328,7 @@ krVariant* krBOp<O>::eval() {
             else if constexpr (O == krOp::decrease) v->setInt(wrapSub(v->toInt(), 1));
             else if constexpr (O == krOp::assignNot) v->setBool(!v->toBool());
             else v->setInt(~v->toInt());
+            if (copied) side->adoptCopy(v);
         }
         if (postfix) {
             v->release();
@@ -345,7 +349,7 @@ krVariant* krBOp<O>::eval() {
         return v;
     } else {
         if (!evalBoth(left, right, false, a, b)) return nullptr;
-        krVariant* result = compound(O, a, b, this);
+        krVariant* result = compound(O, a, b, left, this);
         b->release();
         return result;
     }

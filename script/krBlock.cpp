@@ -92,6 +92,9 @@ bool krBConstArray::isConst() {
 }
 
 namespace {
+// Reports raised while a report is being delivered, counted from the outermost.
+constexpr int maxNestedReports = 4;
+
 void showInBox(const std::string& text) { krSystem::messageBox(text, "Error"); }
 krScriptErrors::Handler errorHandler = showInBox;
 }
@@ -100,19 +103,33 @@ void krScriptErrors::setErrorHandler(Handler handler) { errorHandler = handler ?
 krScriptErrors::Handler krScriptErrors::defaultHandler() { return showInBox; }
 
 krVariant* reportError(const krBlock* block, const std::string& message) {
+    return reportErrorAt(block ? block->getScript() : nullptr, block ? block->getLine() : 0, message);
+}
+
+krVariant* reportErrorAt(const krScript* script, int32_t line, const std::string& message) {
     std::string text = "Scripting error";
-    if (block && block->getScript()) {
-        const int32_t line = block->getLine();
+    if (script) {
         // The top bit marks lines of included files; the count then continues from there.
-        const int64_t shown = static_cast<int64_t>(line) + 1;
-        const std::string& file = block->getScript()->getFile();
+        const std::string& file = script->getFile();
         if (line < 0)
             text += " in file included by \"" + file + "\" at line " +
                     std::to_string(static_cast<int64_t>(line) - INT32_MIN + 1);
         else
-            text += " in \"" + file + "\" at line " + std::to_string(shown);
+            text += " in \"" + file + "\" at line " + std::to_string(static_cast<int64_t>(line) + 1);
     }
     text += "\n" + message;
-    errorHandler(text);
+    // Handlers of errors may fail again (a handler that errs, a stack that ran low); a few nested
+    // reports get through, deeper ones only to standard error, so reporting cannot recurse forever.
+    static int depth = 0;
+    if (depth >= maxNestedReports) {
+        krSystem::writeError(text);
+        return nullptr;
+    }
+    ++depth;
+    {
+        krSystem::StackReserve reserve;
+        errorHandler(text);
+    }
+    --depth;
     return nullptr;
 }

@@ -34,6 +34,10 @@ public:
     virtual krVariant* eval();
     // Writes `value` (borrowed) into what this node names.
     virtual void assign(krVariant* value);
+    // An operator changed a copy of this node's frozen value in place (a variable that holds a
+    // constant, as a parameter aliasing a literal does); a node that names storage keeps the
+    // copy, anything else lets the change stay with the temporary.
+    virtual void adoptCopy(krVariant*) {}
     virtual void setParent(krBlock* p);
     krBlock* getParent() const { return parent; }
     krScript* getScript() const { return script; }
@@ -102,5 +106,8 @@ namespace krScriptErrors {
     void setErrorHandler(Handler handler);
     Handler defaultHandler();
 }
-// Always returns null, so that failing nodes can return its result.
+// Always returns null, so that failing nodes can return its result. The block gives the script
+// (for the file name) and the line.
 krVariant* reportError(const krBlock* block, const std::string& message);
+// The same with the line given apart, for reports of the parser at the cursor's line.
+krVariant* reportErrorAt(const krScript* script, int32_t line, const std::string& message);

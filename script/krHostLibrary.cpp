@@ -6,8 +6,11 @@
 #include "core/krColor.h"
 #include "core/krFile.h"
 #include "core/krMain.h"
+#include "interface/krCameraClasses.h"
 #include "interface/krClock.h"
 #include "platform/krSystem.h"
+#include "render/krVideoClasses.h"
+#include "render/krObjectClasses.h"
 #include "script/krFactory.h"
 #include "script/krParser.h"
 #include "script/krScript.h"
@@ -195,6 +198,9 @@ void krLibrary::registerHost() {
     krSymbols::addFunction("clock", clock, 0);
     krSymbols::addFunction("current_time", currentTime, 0);
     krSymbols::addFunction("new_module", krMakeModule<krModule>, 0);
+    krRegisterVideoClasses();
+    krRegisterCameraClasses();
+    krRegisterSceneClasses();
 }
 
 void krLibrary::registerConstants() {

@@ -67,7 +67,10 @@ private:
     };
 
     void skip();
-    void report(krBlock* where, const std::string& message) { reportError(where, message); }
+    // Reports name the file of the block being built and the line the cursor is on.
+    void report(krBlock* where, const std::string& message) {
+        reportErrorAt(where ? where->getScript() : nullptr, line, message);
+    }
     void expected(krBlock* where, const char* what) {
         report(where, std::string(what) + " expected, but " + charText(*p) + " found");
     }
@@ -467,31 +470,25 @@ void Parser::parseParams(krFunction* f) {
     if (*p != '(') return;
     ++p;
     skip();
-    if (*p == ')') {
-        ++p;
-        return;
-    }
-    while (*p) {
-        skip();
+    while (*p && *p != ')') {
         if (*p != '$') {
             report(f, "Variable expected, but " + charText(*p) + " found");
-            consumeOne();
+            ++p;
+            skip();
             continue;
         }
         ++p;
         f->addParam(readWord());
         skip();
-        if (*p == ')') {
-            ++p;
-            return;
-        }
         if (*p == ',') {
             ++p;
-            continue;
+            skip();
+        } else if (*p != ')') {
+            // The next parameter is read from here.
+            report(f, ", or ) expected, but " + charText(*p) + " found");
         }
-        // The next parameter is read from here.
-        report(f, ", or ) expected, but " + charText(*p) + " found");
     }
+    if (*p == ')') ++p;
 }
 
 void Parser::parseBody(krMultiBlock* block) {
