@@ -1,0 +1,126 @@
+// krVideo_OGL: the draw loop on OpenGL. Each 3D viewport's walk fills three fixed queues, which
+// then run in a fixed order: opaque items grouped by shader, glows (drawn with an occlusion
+// query), transparent items from far to near; then the 2D pass draws the glows that were seen.
+// 2D viewports draw their items during the walk. The capability flags that the window finds
+// live here, for the whole renderer to read.
+#pragma once
+
+#include <vector>
+
+#include "core/krMatrix.h"
+#include "render/krVideo.h"
+
+class krVideoItem_OGL;
+class krWindow;
+
+class krVideo_OGL : public krVideo {
+public:
+    // The queues are fixed: a scene never allocates. An item finds a full queue and is not drawn.
+    // Mesh shaders of one scene, a few per visible object.
+    static constexpr int32_t opaqueQueueSize = 8192;
+    // Transparent pieces, each sorted by distance every frame.
+    static constexpr int32_t alphaQueueSize = 2048;
+    // Light flares, each with an occlusion query.
+    static constexpr int32_t glowQueueSize = 256;
+
+    explicit krVideo_OGL(krModule* owner);
+    ~krVideo_OGL() override;
+    const char* className() const override { return "krVideo_OGL"; }
+
+    krVariant* getMember(const std::string& name, krBlock* caller, const krArgs& args) override;
+    void setMember(const std::string& name, krVariant* value) override;
+    bool init() override;
+    bool update(float dt) override;
+    void drawScene(float x, float y, float width, float height) override;
+    void drawViewport() override;
+
+    // Queue entry points for items during the walk; false when the queue is full.
+    bool queueOpaque(krVideoItem_OGL* item);
+    // The key orders the queue: the squared distance from the eye, drawn largest first.
+    bool queueAlpha(krVideoItem_OGL* item, float depthKey);
+    bool queueGlow(krVideoItem_OGL* item);
+    int32_t getOpaqueCount() const { return opaqueCount; }
+    int32_t getAlphaCount() const { return alphaCount; }
+    int32_t getGlowCount() const { return glowCount; }
+
+    void addPolygons(int32_t count) { polygonCounter += count; }
+    void resetPolygonCounter() { polygonCounter = 0; }
+    // The running count of this frame becomes the frame's count.
+    void closePolygonCount() { polyCount = polygonCounter; }
+    int32_t getPolyCount() const { return polyCount; }
+
+    float getTimer() const { return timer; }
+    const krVector3& getEyeCopy() const { return eyeCopy; }
+    const krMatrix& getProjection() const { return projection; }
+    const krMatrix& getModelView() const { return modelView; }
+    // World to 2D overlay coordinates of the current viewport.
+    const krMatrix& getScreenMatrix() const { return screenMatrix; }
+    int32_t getFrameNumber() const { return frameNumber; }
+    // Transparent triangles re-sort this frame rather than in their turn.
+    bool getForceAlphaSort() const { return forceAlphaSort; }
+    float getAnisotropy() const { return anisotropy; }
+    float getNearPlane() const { return nearPlane; }
+    float getMotionBlur() const { return motionBlur; }
+    int32_t getMaxVertexWeights() const { return maxVertexWeights; }
+    int32_t getOptimizeSkinGroups() const { return optimizeSkinGroups; }
+    uint32_t getQuery() const { return query; }
+
+    // Selects fixed-function drawing again after a shader program.
+    void unbindShaders();
+
+    // Capabilities. The wished ones (glsl, cg, occlusionQuery, pointSprites, hardwareSkinning)
+    // are set by scripts before the window's init, which tests them and clears what is missing;
+    // the others the window sets. contextReady says a context stands to draw with.
+    bool glsl = false;
+    bool cg = false;
+    bool occlusionQuery = false;
+    bool pointSprites = false;
+    bool vertexAttributes = false;
+    bool vertexBuffers = false;
+    bool pixelBuffers = false;
+    bool hardwareSkinning = false;
+    bool contextReady = false;
+
+private:
+    struct AlphaEntry {
+        float key;
+        krVideoItem_OGL* item;
+    };
+
+    krWindow* window() const;
+    void drawScene3D();
+    void draw2DPass();
+    void setOverlayProjection(float width, float height);
+    void setLights();
+    void runOpaqueQueue();
+    void runAlphaQueue();
+    void filterGlows();
+    void accumulate();
+    float measurePixels(float width, float height);
+
+    float timer = 0;
+    krVector3 eyeCopy;
+    krMatrix projection{true};
+    krMatrix modelView{true};
+    krMatrix screenMatrix{true};
+    std::vector<krVideoItem_OGL*> glowQueue;
+    std::vector<AlphaEntry> alphaQueue;
+    std::vector<krVideoItem_OGL*> opaqueQueue;
+    int32_t glowCount = 0;
+    int32_t alphaCount = 0;
+    int32_t opaqueCount = 0;
+    int32_t polyCount = 0;
+    int32_t polygonCounter = 0;
+    int32_t frameNumber = 0;
+    bool forceAlphaSort = false;
+    uint32_t query = 0;
+    float anisotropy = 0;
+    float nearPlane = 0.1f;
+    float motionBlur = 0;
+    bool firstFrame = true;
+    int32_t maxVertexWeights = 4;
+    int32_t optimizeSkinGroups = 0;
+    // OpenGL's light count, read at init: lights beyond it are not shown.
+    int32_t maxLights = 0;
+    int32_t enabledLights = 0;
+};
