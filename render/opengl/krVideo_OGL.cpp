@@ -64,7 +64,8 @@ bool krVideo_OGL::update(float dt) {
 
 bool krVideo_OGL::queueOpaque(krVideoItem_OGL* item) {
     if (opaqueCount >= opaqueQueueSize) return false;
-    opaqueQueue[static_cast<size_t>(opaqueCount++)] = item;
+    opaqueQueue[static_cast<size_t>(opaqueCount)] = {item, opaqueCount};
+    ++opaqueCount;
     return true;
 }
 
@@ -283,12 +284,14 @@ void krVideo_OGL::drawScene3D() {
 }
 
 void krVideo_OGL::runOpaqueQueue() {
-    // Grouped by shader so that each program is bound once; the order within a group is free.
-    std::sort(opaqueQueue.begin(), opaqueQueue.begin() + opaqueCount,
-              [](const krVideoItem_OGL* a, const krVideoItem_OGL* b) {
-                  return std::less<const krShader_OGL*>()(a->getShader(), b->getShader());
-              });
-    for (int32_t i = 0; i < opaqueCount; ++i) opaqueQueue[static_cast<size_t>(i)]->draw();
+    // Grouped by shader so that each program is bound once.
+    std::sort(opaqueQueue.begin(), opaqueQueue.begin() + opaqueCount, [](const OpaqueEntry& a, const OpaqueEntry& b) {
+        const krShader_OGL* sa = a.item->getShader();
+        const krShader_OGL* sb = b.item->getShader();
+        if (sa != sb) return std::less<const krShader_OGL*>()(sa, sb);
+        return a.order < b.order;
+    });
+    for (int32_t i = 0; i < opaqueCount; ++i) opaqueQueue[static_cast<size_t>(i)].item->draw();
 }
 
 void krVideo_OGL::runAlphaQueue() {

@@ -86,6 +86,12 @@ private:
         float key;
         krVideoItem_OGL* item;
     };
+    // The walk's order rides along, so that items of one shader keep it: near things that the
+    // walk met first still draw first, and frames do not flicker between equal orders.
+    struct OpaqueEntry {
+        krVideoItem_OGL* item;
+        int32_t order;
+    };
 
     krWindow* window() const;
     void drawScene3D();
@@ -105,7 +111,7 @@ private:
     krMatrix screenMatrix{true};
     std::vector<krVideoItem_OGL*> glowQueue;
     std::vector<AlphaEntry> alphaQueue;
-    std::vector<krVideoItem_OGL*> opaqueQueue;
+    std::vector<OpaqueEntry> opaqueQueue;
     int32_t glowCount = 0;
     int32_t alphaCount = 0;
     int32_t opaqueCount = 0;

@@ -26,7 +26,6 @@ void info(const std::string& text) {
     if (krMain* root = krMain::instance()) root->infoMsg(text);
 }
 
-std::string yesNo(bool flag) { return flag ? "yes" : "no"; }
 }
 
 krWindow_OGL::krWindow_OGL(krModule* o) : krWindow(o), counterFrequency(krSystem::counterFrequency()) {
@@ -78,7 +77,7 @@ bool krWindow_OGL::init() {
     // A second init makes the window anew, with the size and format asked for now.
     destroyNative();
     if (width < 1 || height < 1 || width > maxSize || height > maxSize) {
-        error("Invalid window size: " + std::to_string(width) + "x" + std::to_string(height));
+        error(std::string("Invalid window size: ").append(std::to_string(width)).append("x").append(std::to_string(height)));
         return false;
     }
     std::string reason;
@@ -174,24 +173,25 @@ void krWindow_OGL::testCapabilities(krVideo_OGL* v) {
 
 void krWindow_OGL::buildMode(krVideo_OGL* v, const krPixelFormat& format) {
     const krDisplayMode screen = krWindowSystem::screenMode(native);
-    const float anisotropy = v ? v->getAnisotropy() : 0;
-    auto bits = [](int32_t n) { return std::to_string(n) + "bit\n"; };
-    mode = std::string("Video: OpenGL ") + krGL::string(GL_VERSION) + "\n";
-    mode += std::string("Device: ") + krGL::string(GL_RENDERER) + "\n";
-    mode += "Screen: " + std::to_string(screen.width) + "x" + std::to_string(screen.height) + " @ " +
-            std::to_string(screen.frequency) + "Hz\n";
-    mode += "Display: " + std::to_string(width) + "x" + std::to_string(height) + " " + bits(format.colorBits);
-    mode += "Antialias: " + (format.samples ? std::to_string(format.samples) + "x" : std::string("off")) + "\n";
-    mode += "Filter: " +
-            (anisotropy > 0 ? std::to_string(static_cast<int32_t>(anisotropy)) + "x anisotropic"
-                            : std::string("trilinear")) +
-            "\n";
-    mode += "Depth: " + bits(format.depthBits);
-    mode += "Stencil: " + bits(format.stencilBits);
-    mode += "Accumulation: " + bits(format.accumBits);
-    mode += "GLSL: " + yesNo(v && v->glsl) + "\n";
-    mode += "CG: " + yesNo(v && v->cg) + "\n";
-    mode += "Motionblur: " + yesNo(v && v->getMotionBlur() > 0) + "\n";
+    const int32_t anisotropy = v ? static_cast<int32_t>(v->getAnisotropy()) : 0;
+    auto number = [](int32_t n) { return std::to_string(n); };
+    auto bits = [&](int32_t n) { return number(n).append("bit"); };
+    auto yesNo = [](bool flag) { return std::string(flag ? "yes" : "no"); };
+    mode.clear();
+    auto line = [&](const char* label, const std::string& value) { mode.append(label).append(value).append("\n"); };
+    line("Video: OpenGL ", krGL::string(GL_VERSION));
+    line("Device: ", krGL::string(GL_RENDERER));
+    line("Screen: ", number(screen.width).append("x").append(number(screen.height)).append(" @ ")
+                         .append(number(screen.frequency)).append("Hz"));
+    line("Display: ", number(width).append("x").append(number(height)).append(" ").append(bits(format.colorBits)));
+    line("Antialias: ", format.samples ? number(format.samples).append("x") : std::string("off"));
+    line("Filter: ", anisotropy > 0 ? number(anisotropy).append("x anisotropic") : std::string("trilinear"));
+    line("Depth: ", bits(format.depthBits));
+    line("Stencil: ", bits(format.stencilBits));
+    line("Accumulation: ", bits(format.accumBits));
+    line("GLSL: ", yesNo(v && v->glsl));
+    line("CG: ", yesNo(v && v->cg));
+    line("Motionblur: ", yesNo(v && v->getMotionBlur() > 0));
 }
 
 void krWindow_OGL::buildVersion() {
@@ -202,7 +202,7 @@ void krWindow_OGL::buildVersion() {
         program = program.substr(program.find_last_of('/') + 1);
     }
     version = program + " v. ";
-    for (int i = 0; i < 4; ++i) version += (i ? "." : "") + std::to_string(versionNumbers[i]);
+    for (int i = 0; i < 4; ++i) version.append(i ? "." : "").append(std::to_string(versionNumbers[i]));
 }
 
 void krWindow_OGL::holdCursor() {
