@@ -1,0 +1,87 @@
+// The script interface of objects. Methods act only with their exact argument counts; any other
+// count falls through to the base, and so ends as an event of that name.
+#include "render/krObject.h"
+
+#include "render/krMeshShapes.h"
+#include "script/krBlock.h"
+#include "script/krVArray.h"
+#include "script/krVBound.h"
+#include "script/krVObject.h"
+
+namespace {
+
+krVector3 vectorOf(const krArgs& args, size_t first) {
+    return {args[first]->toFloat(), args[first + 1]->toFloat(), args[first + 2]->toFloat()};
+}
+
+}  // namespace
+
+krVariant* krObject::getMember(const std::string& member, krBlock* caller, const krArgs& args) {
+    const size_t n = args.size();
+    if (member == "loadFromFile" && (n == 1 || n == 2)) {
+        loadFromFile(args[0]->toString(), n == 2 ? args[1]->toFloat() : 0);
+        return nullptr;
+    }
+    if (member == "setPosition" && n == 3) {
+        setPosition(vectorOf(args, 0));
+        return nullptr;
+    }
+    if (member == "setOrientation" && n == 4) {
+        const krVector3 axis = vectorOf(args, 1);
+        if (isZero(axis)) return reportError(caller, "setOrientation needs an axis that is not zero");
+        setOrientation(krQuat::fromAxisAngle(args[0]->toFloat(), axis));
+        return nullptr;
+    }
+    if (member == "genMeshEllipsoid" && n == 4) {
+        const int32_t segments = args[3]->toInt();
+        if (segments < krMinEllipsoidSegments || segments > krMaxEllipsoidSegments)
+            return reportError(caller, "genMeshEllipsoid needs " + std::to_string(krMinEllipsoidSegments) + " to " +
+                                           std::to_string(krMaxEllipsoidSegments) + " segments, not " +
+                                           std::to_string(segments));
+        genMeshEllipsoid(vectorOf(args, 0), segments);
+        return nullptr;
+    }
+    if (member == "genMeshBox" && n == 3) {
+        genMeshBox(vectorOf(args, 0));
+        return nullptr;
+    }
+    if (member == "getObject" && n == 1) return new krVObject(findObject(args[0]->toString()));
+    if (member == "containObject" && n == 1) {
+        auto* child = dynamic_cast<krObject*>(krScriptObject::fromHandle(args[0]->toInt()));
+        if (!child) return reportError(caller, "containObject needs an object");
+        containObject(*child);
+        return nullptr;
+    }
+    if (member == "restoreTransform" && n == 0) {
+        restoreTransform();
+        return nullptr;
+    }
+    if (member == "objects") {
+        auto* list = new krVArray();
+        for (krModule* child : children)
+            if (auto* object = dynamic_cast<krObject*>(child)) list->append(new krVObject(object));
+        return list;
+    }
+    if (member == "x") return new krVFloatPtr(&position.x, this);
+    if (member == "y") return new krVFloatPtr(&position.y, this);
+    if (member == "z") return new krVFloatPtr(&position.z, this);
+    if (member == "script") return new krVScript(script);
+    if (member == "sortAlpha") return new krVBool(sortAlpha);
+    if (member == "name") return new krVStringPtr(&name, this);
+    if (member == "radius") return new krVFloatPtr(&radius, this);
+    if (member == "minDrawDistance") return new krVFloatPtr(&minDrawDistance, this);
+    if (member == "maxDrawDistance") return new krVFloatPtr(&maxDrawDistance, this);
+    return krObjectContainer::getMember(member, caller, args);
+}
+
+void krObject::setMember(const std::string& member, krVariant* value) {
+    if (member == "x") position.x = value->toFloat();
+    else if (member == "y") position.y = value->toFloat();
+    else if (member == "z") position.z = value->toFloat();
+    else if (member == "sortAlpha") sortAlpha = value->toBool();
+    else if (member == "name") name = value->toString();
+    else if (member == "radius") radius = value->toFloat();
+    else if (member == "minDrawDistance") minDrawDistance = value->toFloat();
+    else if (member == "maxDrawDistance") maxDrawDistance = value->toFloat();
+    else krObjectContainer::setMember(member, value);
+}

@@ -1,0 +1,183 @@
+// Helpers of the scene tests: a fresh working directory with the root, the script host and its
+// library, a video that records the meshes it is handed and whose view a test sets, scripts run
+// from text, and mesh files built with the shared layout.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "core/krFileIndex.h"
+#include "core/krMain.h"
+#include "render/krMesh.h"
+#include "render/krMeshFileWriter.h"
+#include "render/krObject.h"
+#include "render/krVideo.h"
+#include "script/krBlock.h"
+#include "script/krScript.h"
+#include "script/krScripting.h"
+
+namespace sceneTesting {
+
+inline std::vector<std::string>& reports() {
+    static std::vector<std::string> seen;
+    return seen;
+}
+
+inline void observe(const char* event, const std::string& text) {
+    if (std::string(event) == "errorMsg") reports().push_back(text);
+}
+
+inline void forwardToRoot(const std::string& text) {
+    if (krMain* root = krMain::instance()) root->errorMsg(text);
+}
+
+// What a drawn mesh looked like when the video was handed it: copies, since the mesh is gone
+// after the call.
+struct SeenMesh {
+    krModule* module;
+    int32_t kind;
+    std::vector<krVertex> vertices;
+    std::vector<uint32_t> indices;
+    std::vector<krMaterial> materials;
+    std::vector<krBoneWeight> weights;
+};
+
+class RecordingVideo : public krVideo {
+public:
+    using krVideo::krVideo;
+    krVideoItem* createMeshItem(krModule* module, krMesh* mesh, int32_t kind) override {
+        seen.push_back({module, kind, std::vector<krVertex>(mesh->vertices, mesh->vertices + mesh->vertexCount),
+                        std::vector<uint32_t>(mesh->indices, mesh->indices + mesh->indexCount), mesh->materials,
+                        mesh->weights});
+        return nullptr;
+    }
+    void setView(const krVector3& eyeAt, const krVector3& direction, float cone) {
+        eye = eyeAt;
+        viewDirection = direction;
+        viewCone = cone;
+    }
+    std::vector<SeenMesh> seen;
+};
+
+class Scene : public testing::Test {
+protected:
+    void SetUp() override {
+        previous = std::filesystem::current_path();
+        dir = std::filesystem::temp_directory_path() /
+              ("kerrin-scene-" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) + "-" +
+               std::to_string(::getpid()));
+        std::filesystem::remove_all(dir);
+        std::filesystem::create_directories(dir);
+        std::filesystem::current_path(dir);
+        krFileIndex::forget();
+        reports().clear();
+        krMain::setReportObserver(observe);
+        root = new krMain(0, nullptr);
+        root->attach();
+        host = new krScripting(root);
+        host->attach();
+        krLibrary::registerLanguage();
+        krScriptErrors::setErrorHandler(forwardToRoot);
+        krLibrary::registerHost();
+        krLibrary::registerConstants();
+        video = new RecordingVideo(root);
+        video->attach();
+    }
+
+    void TearDown() override {
+        for (krScript* s : scripts) delete s;
+        host->deinit();
+        root->deinit();
+        host->release();
+        root->release();
+        krScriptErrors::setErrorHandler(krScriptErrors::defaultHandler());
+        krMain::setReportObserver(nullptr);
+        std::filesystem::current_path(previous);
+        std::filesystem::remove_all(dir);
+        krFileIndex::forget();
+    }
+
+    // Files written during a test are found: the index is rebuilt at the next open.
+    static void write(const std::string& path, const std::string& content) {
+        const std::filesystem::path p(path);
+        if (p.has_parent_path()) std::filesystem::create_directories(p.parent_path());
+        std::ofstream(p, std::ios::binary).write(content.data(), static_cast<std::streamsize>(content.size()));
+        krFileIndex::forget();
+    }
+
+    // Runs script text; the script stays (with its event bindings) until the test ends.
+    krScript* run(const std::string& text) {
+        auto* s = new krScript();
+        s->setHost(host);
+        s->setFile("test.script");
+        s->load(text.c_str());
+        if (krVariant* r = s->eval()) r->release();
+        scripts.push_back(s);
+        return s;
+    }
+
+    // A global of a script that ran, as text.
+    static std::string field(krScript* s, const std::string& name) {
+        krVariant* v = s->getField(name);
+        std::string text = v ? v->toString() : "(none)";
+        if (v) v->release();
+        return text;
+    }
+
+    krObject* newObject(krModule* owner = nullptr) {
+        auto* o = new krObject(owner ? owner : root);
+        o->attach();
+        return o;
+    }
+
+    krMain* root = nullptr;
+    krScripting* host = nullptr;
+    RecordingVideo* video = nullptr;
+    std::vector<krScript*> scripts;
+
+private:
+    std::filesystem::path previous, dir;
+};
+
+// The vertex of a test mesh at p, facing up, white, with texture coordinates from p.
+inline krVertex vertexAt(float x, float y, float z) { return {{x, y, z}, {0, 1, 0}, {}, x, z}; }
+
+// A cube of 8 corners from -h to +h with 12 triangles and one material over all of it.
+inline krMeshFileMesh cube(float h, const std::string& material = "stone") {
+    krMeshFileMesh m;
+    for (int i = 0; i < 8; ++i) m.vertices.push_back(vertexAt(i & 1 ? h : -h, i & 2 ? h : -h, i & 4 ? h : -h));
+    m.indices = {0, 2, 1, 1, 2, 3, 4, 5, 6, 5, 7, 6, 0, 1, 4, 1, 5, 4, 2, 6, 3, 3, 6, 7, 0, 4, 2, 2, 4, 6, 1, 3, 5, 3, 7, 5};
+    krMeshFileMaterial mat;
+    krMeshFile::setName(mat.record.name, material);
+    mat.record.ambient = mat.record.diffuse = krColor(200, 200, 200, 255);
+    mat.record.specular = mat.record.emission = krColor(0, 0, 0, 255);
+    mat.record.vertexCount = 8;
+    mat.record.indexCount = 36;
+    m.materials.push_back(mat);
+    return m;
+}
+
+inline krMeshFileMaterial::Slot slot(uint32_t id, const std::string& file, uint8_t alphaMode = 0, uint8_t source = 0) {
+    krMeshFileMaterial::Slot s{id, {}};
+    s.slot.source = source;
+    s.slot.alphaMode = alphaMode;
+    krMeshFile::setName(s.slot.file, file);
+    return s;
+}
+
+// A whole object file: one object with the given meshes.
+inline std::string objectFile(const std::string& name, const std::vector<krMeshFileMesh>& meshes,
+                              const krVector3& position = {}) {
+    krChunkWriter w;
+    krBeginObject(w, name, position, krQuat::identity);
+    for (const krMeshFileMesh& m : meshes) krWriteMesh(w, m);
+    w.end();
+    return w.data();
+}
+
+}  // namespace sceneTesting

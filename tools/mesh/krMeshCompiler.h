@@ -1,0 +1,25 @@
+// The mesh compiler: a model's triangles welded into the vertex and index ranges of one mesh in
+// a mesh file, each material's range contiguous and small enough for 16-bit indices.
+#pragma once
+
+#include <string>
+
+#include "krModel.h"
+#include "render/krMeshFileWriter.h"
+
+// Every item class of the engine can draw a range this large with 16-bit indices.
+constexpr size_t krMaxRangeVertices = 65535;
+
+struct krMeshCompileOptions {
+    float scale = 1;
+    int32_t kind = krMeshFile::kindDrawn;
+    std::string name;  // of the object
+};
+
+// The mesh as it will be written; false with a message when the model cannot become one.
+bool krBuildMesh(const krModel& model, const krMeshCompileOptions& options, krMeshFileMesh& mesh, std::string& error);
+// The whole file: one object holding the mesh.
+bool krCompileMesh(const krModel& model, const krMeshCompileOptions& options, std::string& file, std::string& error);
+// A model's texture name as the mesh file gives it: "/" as separator and the ".dds" the engine
+// reads, since the texture tool converts each image beside itself.
+std::string krTextureFileName(const std::string& modelName);
