@@ -61,7 +61,12 @@ krVariant* arithmetic(krOp op, krVariant* a, krVariant* b, const krBlock* where)
         float out;
         return floatArith(op, a->toFloat(), b->toFloat(), out, where) ? new krVFloat(out) : nullptr;
     }
-    if (t == krTypeString && op == krOp::add) return new krVString(a->toString() + b->toString());
+    if (t == krTypeString && op == krOp::add) {
+        std::string text = a->toString();
+        const std::string tail = b->toString();
+        if (text.size() + tail.size() > krConvert::maxStringBytes) return reportError(where, "String too long");
+        return new krVString(text + tail);
+    }
     int32_t out;
     return intArith(op, a->toInt(), b->toInt(), out, where) ? new krVInt(out) : nullptr;
 }
@@ -168,7 +173,9 @@ krVariant* compound(krOp op, krVariant* target, krVariant* operand, krBlock* sid
         else if (plain == krOp::orOp) out->setBool(was || with);
         else out->setBool(was != with);
     } else if (t == krTypeString) {
-        out->appendString(operand->toString());
+        const std::string tail = operand->toString();
+        if (out->textLength() + tail.size() > krConvert::maxStringBytes) reportError(where, "String too long");
+        else out->appendString(tail);
     } else if (t == krTypeFloat) {
         float f;
         if (floatArith(plain, out->toFloat(), operand->toFloat(), f, where)) out->setFloat(f);

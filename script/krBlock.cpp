@@ -57,6 +57,11 @@ krVariant* krMultiBlock::runBlocks() {
         if (result) result->release();
         result = blocks[i]->eval();
         if (script && script->getStatus() > krStatusRun) break;
+        if (krVariant::overLimit() && script) {
+            reportError(blocks[i], "Out of script memory");
+            script->setStatus(krStatusExit);
+            break;
+        }
     }
     return result;
 }

@@ -42,6 +42,14 @@ const krFunctionEntry* krSymbols::findFunction(const std::string& word) {
     return it == functions().end() ? nullptr : &it->second;
 }
 
+std::vector<std::string> krSymbols::functionNames() {
+    std::vector<std::string> names;
+    for (auto& entry : functions()) names.push_back(entry.first);
+    return names;
+}
+
+void krSymbols::removeFunction(const std::string& word) { functions().erase(word); }
+
 void krSymbols::clear() {
     auto old = std::move(constants());
     constants().clear();

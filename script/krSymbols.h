@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "script/krBFuncCall.h"
 
@@ -25,6 +26,10 @@ namespace krSymbols {
     void addFunction(const std::string& word, krNativeFunction function, int flags);
     void addExternalFunction(const std::string& word, krExternalFunction function, int flags);
     const krFunctionEntry* findFunction(const std::string& word);
+    // The words of the function table, and their removal: for hosts that run untrusted text
+    // with part of the library only.
+    std::vector<std::string> functionNames();
+    void removeFunction(const std::string& word);
     // Releases every constant and empties both tables.
     void clear();
 }

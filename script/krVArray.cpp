@@ -16,6 +16,7 @@ krVariant* krVArray::clone() {
 
 void krVArray::copyFrom(krVArray* source) {
     for (auto& item : source->items) {
+        if (krVariant::overLimit()) return;
         krVariant* element = item.second->clone();
         if (element) items.emplace(item.first, element);
     }

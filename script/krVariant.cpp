@@ -10,6 +10,7 @@
 #include "script/krVArray.h"
 
 int32_t krVariant::instanceCount = 0;
+int32_t krVariant::instanceLimit = INT32_MAX;
 
 krVariant* krVariant::iterNext(krIterState*& state) {
     iterFree(state);

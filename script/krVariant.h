@@ -71,6 +71,8 @@ public:
     virtual void setString(const std::string&) {}
     // Appends to the text of a string value (the in-place `+=`).
     virtual void appendString(const std::string& tail) { setString(toString() + tail); }
+    // The length of the text form, without copying it where the value holds text itself.
+    virtual size_t textLength() { return toString().size(); }
     // Copies a value of any kind into this one, converting.
     virtual void assign(krVariant*) {}
 
@@ -91,6 +93,10 @@ public:
 
     // Live values in the process, read by scripts as KRSCRIPT_VARIANTCOUNT.
     static int32_t instanceCount;
+    // A host running untrusted text may bound the live values: past the limit, copies of arrays
+    // stop and running script code unwinds. Unbounded unless set.
+    static int32_t instanceLimit;
+    static bool overLimit() { return instanceCount > instanceLimit; }
 
 protected:
     explicit krVariant(krType t) : kind(t) { ++instanceCount; }
@@ -182,6 +188,7 @@ public:
     void appendString(const std::string& tail) override {
         if (!isFrozen()) value += tail;
     }
+    size_t textLength() override { return value.size(); }
     const std::string& text() const { return value; }
 
 private:
@@ -197,6 +204,9 @@ namespace krConvert {
     std::string floatToString(float f);
     // Float to int truncating toward zero, without undefined behaviour out of range or on NaN.
     int32_t floatToInt(float f);
+    // The longest text a script can build; joining beyond it is refused with a report, since a
+    // script doubling a string in a loop would otherwise take all memory.
+    constexpr size_t maxStringBytes = size_t(64) << 20;
     // The members of text values (`length`, `empty`, `clear`), for strings and bound strings.
     krVariant* stringMember(krVariant* self, const std::string& text, const std::string& name, const krArgs& args);
 }
