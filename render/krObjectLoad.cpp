@@ -50,7 +50,7 @@ template <typename T>
 T* placeArray(void* raw, uint32_t count, std::vector<T>& copy) {
     if (reinterpret_cast<uintptr_t>(raw) % alignof(T) == 0) return static_cast<T*>(raw);
     copy.resize(count);
-    std::memcpy(copy.data(), raw, sizeof(T) * count);
+    if (count) std::memcpy(copy.data(), raw, sizeof(T) * count);
     return nullptr;
 }
 

@@ -2,6 +2,7 @@
 #include "render/krTextureInfo.h"
 
 #include <bit>
+#include <cstdint>
 
 #include "core/krChunk.h"
 #include "core/krMain.h"
@@ -30,8 +31,10 @@ bool krTextureInfo::read(const char* data, uint32_t size) {
     if (w == 0 || h == 0 || w > uint32_t(krMaxTextureSide) || h > uint32_t(krMaxTextureSide)) return false;
     width = static_cast<int32_t>(w);
     height = static_cast<int32_t>(h);
-    // The field counts the levels below the top one.
-    mipCount = static_cast<int32_t>(krGetU32(data + krDDS::mipCountAt) & 0x7FFFFFFF) + 1;
+    // The field counts the levels below the top one. A lying count saturates: the upload never
+    // uses it.
+    const uint32_t below = krGetU32(data + krDDS::mipCountAt);
+    mipCount = below >= uint32_t(INT32_MAX) ? INT32_MAX : static_cast<int32_t>(below) + 1;
 
     uint64_t bytes;
     switch (krGetU32(data + krDDS::fourCCAt)) {
