@@ -6,28 +6,25 @@
 
 krBVar::krBVar(krBlock* p, std::string n, Scope s) : krBlock(p), name(std::move(n)), scope(s) {}
 
-int32_t krBVar::frameSlot() {
+int32_t krBVar::findFrameSlot() {
     if (!layoutResolved) {
         layoutResolved = true;
         layout = frameLayout();
         if (layout) localSlot = layout->slot(name, true);
     }
     krFrameLayout* top = script->topLayout();
+    // Code of another function's frame (a macro, an included file) finds its name by look-up.
     return top == layout ? localSlot : top->slot(name, false);
 }
 
-int32_t krBVar::fieldSlot() {
-    if (fieldIndex < 0) fieldIndex = script->fieldSlot(name);
-    return fieldIndex;
-}
-
 krVariant* krBVar::eval() {
-    if (!script) return reportError(this, "Undefined variable: " + name);
-    if (scope != Scope::fields && script->hasFrame()) {
-        if (krVariant* v = script->frameValue(frameSlot())) return v->addRef();
+    krScript* s = script;
+    if (!s) return reportError(this, "Undefined variable: " + name);
+    if (scope != Scope::fields && s->hasFrame()) {
+        if (krVariant* v = s->frameValue(frameSlot())) return v->addRef();
     }
     if (scope != Scope::frame) {
-        if (krVariant* v = script->fieldValue(fieldSlot())) return v->addRef();
+        if (krVariant* v = s->fieldValue(fieldSlot())) return v->addRef();
     }
     return reportError(this, "Undefined variable: " + name);
 }
@@ -36,6 +33,7 @@ namespace {
 // The store rule for a borrowed value: into the old value when the types agree, else a replacement.
 // Returns the value to put in the slot (null: the old value took the content).
 krVariant* storeInto(krVariant* old, krVariant* value) {
+    if (old && krCopyPlain(old, value)) return nullptr;
     if (old && old->type() == value->type() && !old->isFrozen()) {
         old->assign(value);
         return nullptr;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "script/krBlock.h"
+#include "script/krScript.h"
 
 // `$name`: the top frame first, then the script's fields. Slots are resolved once per node and
 // checked against the frame that is actually on top, so code run in another function's frame
@@ -16,9 +17,16 @@ public:
     const std::string& getName() const { return name; }
 
 protected:
-    // The slot of this name in the top frame, or -1 with no frame; resolved by layout.
-    int32_t frameSlot();
-    int32_t fieldSlot();
+    // The slot of this name in the top frame, found once by layout; there must be a frame.
+    int32_t frameSlot() {
+        if (layoutResolved && script->topLayout() == layout) return localSlot;
+        return findFrameSlot();
+    }
+    int32_t findFrameSlot();
+    int32_t fieldSlot() {
+        if (fieldIndex < 0) fieldIndex = script->fieldSlot(name);
+        return fieldIndex;
+    }
 
     std::string name;
     Scope scope;

@@ -12,7 +12,8 @@ int32_t wrapSub(int32_t a, int32_t b) { return static_cast<int32_t>(static_cast<
 int32_t wrapMul(int32_t a, int32_t b) { return static_cast<int32_t>(static_cast<uint32_t>(a) * static_cast<uint32_t>(b)); }
 
 // The integer forms of the arithmetic and bit operators; false after a reported division by zero.
-bool intArith(krOp op, int32_t x, int32_t y, int32_t& out, const krBlock* where) {
+template <krOp op>
+inline bool intArith(int32_t x, int32_t y, int32_t& out, const krBlock* where) {
     switch (op) {
     case krOp::add: out = wrapAdd(x, y); return true;
     case krOp::subtract: out = wrapSub(x, y); return true;
@@ -36,7 +37,8 @@ bool intArith(krOp op, int32_t x, int32_t y, int32_t& out, const krBlock* where)
     }
 }
 
-bool floatArith(krOp op, float x, float y, float& out, const krBlock* where) {
+template <krOp op>
+inline bool floatArith(float x, float y, float& out, const krBlock* where) {
     switch (op) {
     case krOp::add: out = x + y; return true;
     case krOp::subtract: out = x - y; return true;
@@ -54,21 +56,40 @@ bool floatArith(krOp op, float x, float y, float& out, const krBlock* where) {
     }
 }
 
-// A new value of `a op b`, read by the type of `a`; null after a report.
-krVariant* arithmetic(krOp op, krVariant* a, krVariant* b, const krBlock* where) {
+// The value of `a op b` read by the type of `a`, written by `make` into a result of the node;
+// null after a report.
+template <krOp O, typename Node>
+krVariant* arithmetic(Node* node, krVariant* a, krVariant* b) {
+    if (a->storage() == krStorage::integer && b->storage() == krStorage::integer) {
+        int32_t out;
+        if (!intArith<O>(static_cast<krVInt*>(a)->raw(), static_cast<krVInt*>(b)->raw(), out, node)) return nullptr;
+        return node->makeInt(out);
+    }
     const int t = a->type();
     if (t == krTypeFloat) {
         float out;
-        return floatArith(op, a->toFloat(), b->toFloat(), out, where) ? new krVFloat(out) : nullptr;
+        return floatArith<O>(a->toFloat(), b->toFloat(), out, node) ? node->makeFloat(out) : nullptr;
     }
-    if (t == krTypeString && op == krOp::add) {
+    if (t == krTypeString && O == krOp::add) {
         std::string text = a->toString();
         const std::string tail = b->toString();
-        if (text.size() + tail.size() > krConvert::maxStringBytes) return reportError(where, "String too long");
-        return new krVString(text + tail);
+        if (text.size() + tail.size() > krConvert::maxStringBytes) return reportError(node, "String too long");
+        text += tail;
+        return node->makeString(std::move(text));
     }
     int32_t out;
-    return intArith(op, a->toInt(), b->toInt(), out, where) ? new krVInt(out) : nullptr;
+    return intArith<O>(a->toInt(), b->toInt(), out, node) ? node->makeInt(out) : nullptr;
+}
+
+bool compareInts(krOp op, int32_t x, int32_t y) {
+    switch (op) {
+    case krOp::equal: return x == y;
+    case krOp::notEqual: return x != y;
+    case krOp::lower: return x < y;
+    case krOp::lowerEqual: return x <= y;
+    case krOp::greater: return x > y;
+    default: return x >= y;
+    }
 }
 
 bool compare(krOp op, krVariant* a, krVariant* b) {
@@ -154,13 +175,21 @@ bool compoundAccepts(krOp op, int t) {
 // Changes `target` in place by `op` with `operand`; a frozen target is left alone and the result
 // comes back as a new value instead. Returns the value that stands for the result (one reference
 // for the caller, the target's own reference passed on) or null after a report.
-krVariant* compound(krOp op, krVariant* target, krVariant* operand, krBlock* side, const krBlock* where) {
+template <krOp op>
+krVariant* compound(krVariant* target, krVariant* operand, krBlock* side, const krBlock* where) {
     const int t = target->type();
     if (!compoundAccepts(op, t)) {
         reportError(where, std::string("Operator ") + compoundText(op) + " undefined for this type");
         return target;
     }
-    const krOp plain = plainOf(op);
+    constexpr krOp plain = plainOf(op);
+    if (t == krTypeInt && target->storage() == krStorage::integer && operand->storage() == krStorage::integer &&
+        !target->isFrozen()) {
+        int32_t& raw = static_cast<krVInt*>(target)->raw();
+        int32_t i;
+        if (intArith<plain>(raw, static_cast<krVInt*>(operand)->raw(), i, where)) raw = i;
+        return target;
+    }
     krVariant* out = target;
     const bool copied = target->isFrozen();
     if (copied) {
@@ -178,10 +207,10 @@ krVariant* compound(krOp op, krVariant* target, krVariant* operand, krBlock* sid
         else out->appendString(tail);
     } else if (t == krTypeFloat) {
         float f;
-        if (floatArith(plain, out->toFloat(), operand->toFloat(), f, where)) out->setFloat(f);
+        if (floatArith<plain>(out->toFloat(), operand->toFloat(), f, where)) out->setFloat(f);
     } else {
         int32_t i;
-        if (intArith(plain, out->toInt(), operand->toInt(), i, where)) out->setInt(i);
+        if (intArith<plain>(out->toInt(), operand->toInt(), i, where)) out->setInt(i);
     }
     if (copied) side->adoptCopy(out);
     return out;
@@ -207,30 +236,62 @@ constexpr int levelOf(krOp op) {
     }
 }
 
-// Evaluates both sides in the given order; null (with both released) if either is missing or null.
-bool evalBoth(krBlock* left, krBlock* right, bool rightFirst, krVariant*& a, krVariant*& b) {
-    a = b = nullptr;
-    if (!left || !right) return false;
-    krBlock* first = rightFirst ? right : left;
-    krBlock* second = rightFirst ? left : right;
-    krVariant* x = first->eval();
-    if (!x) return false;
-    krVariant* y = second->eval();
-    if (!y) {
-        x->release();
-        return false;
+// Both sides of a binary operator, evaluated in the operator's order, each with a reference that
+// goes when the operator is done.
+struct Operands {
+    krVariant* a = nullptr;
+    krVariant* b = nullptr;
+
+    ~Operands() {
+        if (a) a->release();
+        if (b) b->release();
     }
-    a = rightFirst ? y : x;
-    b = rightFirst ? x : y;
-    return true;
-}
+    // False (with nothing held) if a side is missing or has no value.
+    bool evaluate(krBlock* left, krBlock* right, bool rightFirst) {
+        if (!left || !right) return false;
+        krVariant* x = (rightFirst ? right : left)->eval();
+        if (!x) return false;
+        krVariant* y = (rightFirst ? left : right)->eval();
+        if (!y) {
+            x->release();
+            return false;
+        }
+        a = rightFirst ? y : x;
+        b = rightFirst ? x : y;
+        return true;
+    }
+    // The left value with its reference, for operators that hand it on.
+    krVariant* takeA() {
+        krVariant* v = a;
+        a = nullptr;
+        return v;
+    }
+};
 
 } // namespace
 
 krBOperator::~krBOperator() {
     delete left;
     delete right;
+    if (scratch) scratch->release();
 }
+
+template <class T, krStorage S, typename V>
+krVariant* krBOperator::reuse(V&& v) {
+    if (scratch && scratch->getRefCount() == 1 && scratch->storage() == S) {
+        static_cast<T*>(scratch)->raw() = std::forward<V>(v);
+        return scratch->addRef();
+    }
+    // The old result is kept by someone (or of another kind): let it go and keep the new one.
+    if (scratch) scratch->release();
+    scratch = new T(std::forward<V>(v));
+    return scratch->addRef();
+}
+
+krVariant* krBOperator::makeInt(int32_t v) { return reuse<krVInt, krStorage::integer>(v); }
+krVariant* krBOperator::makeFloat(float v) { return reuse<krVFloat, krStorage::real>(v); }
+krVariant* krBOperator::makeBool(bool v) { return reuse<krVBool, krStorage::boolean>(v); }
+krVariant* krBOperator::makeString(std::string&& v) { return reuse<krVString, krStorage::text>(std::move(v)); }
 
 bool krBOperator::isConst() {
     return (!left || left->isConst()) && (!right || right->isConst());
@@ -243,51 +304,43 @@ int krBOp<O>::level() const {
 
 template <krOp O>
 krVariant* krBOp<O>::eval() {
-    krVariant* a;
-    krVariant* b;
     if constexpr (O == krOp::add || O == krOp::subtract) {
         if (!left) {
             if (!right) return nullptr;
             krVariant* v = right->eval();
             if (!v || O == krOp::add) return v;
-            krVariant* negated = v->type() == krTypeFloat ? static_cast<krVariant*>(new krVFloat(-v->toFloat()))
-                                                          : new krVInt(wrapSub(0, v->toInt()));
+            krVariant* negated = v->type() == krTypeFloat ? makeFloat(-v->toFloat()) : makeInt(wrapSub(0, v->toInt()));
             v->release();
             return negated;
         }
-        if (!evalBoth(left, right, true, a, b)) return nullptr;
-        krVariant* result = arithmetic(O, a, b, this);
-        a->release();
-        b->release();
-        return result;
-    } else if constexpr (O == krOp::multiply || O == krOp::divide || O == krOp::remainder ||
-                         O == krOp::binAnd || O == krOp::binOr || O == krOp::binXor ||
-                         O == krOp::shiftLeft || O == krOp::shiftRight) {
-        if (!evalBoth(left, right, false, a, b)) return nullptr;
-        krVariant* result;
-        if constexpr (O == krOp::multiply || O == krOp::divide || O == krOp::remainder) {
-            result = arithmetic(O, a, b, this);
-        } else {
-            int32_t out = 0;
-            intArith(O, a->toInt(), b->toInt(), out, this);
-            result = new krVInt(out);
-        }
-        a->release();
-        b->release();
-        return result;
+        Operands ops;
+        if (!ops.evaluate(left, right, true)) return nullptr;
+        return arithmetic<O>(this, ops.a, ops.b);
+    } else if constexpr (O == krOp::multiply || O == krOp::divide || O == krOp::remainder) {
+        Operands ops;
+        if (!ops.evaluate(left, right, false)) return nullptr;
+        return arithmetic<O>(this, ops.a, ops.b);
+    } else if constexpr (O == krOp::binAnd || O == krOp::binOr || O == krOp::binXor || O == krOp::shiftLeft ||
+                         O == krOp::shiftRight) {
+        Operands ops;
+        if (!ops.evaluate(left, right, false)) return nullptr;
+        int32_t out = 0;
+        intArith<O>(ops.a->toInt(), ops.b->toInt(), out, this);
+        return makeInt(out);
     } else if constexpr (O == krOp::lower || O == krOp::lowerEqual || O == krOp::greater ||
                          O == krOp::greaterEqual || O == krOp::equal || O == krOp::notEqual) {
-        if (!evalBoth(left, right, false, a, b)) return nullptr;
-        krVariant* result = new krVBool(compare(O, a, b));
-        a->release();
-        b->release();
-        return result;
+        Operands ops;
+        if (!ops.evaluate(left, right, false)) return nullptr;
+        krVariant* a = ops.a;
+        krVariant* b = ops.b;
+        const bool truth = a->storage() == krStorage::integer && b->storage() == krStorage::integer
+                               ? compareInts(O, static_cast<krVInt*>(a)->raw(), static_cast<krVInt*>(b)->raw())
+                               : compare(O, a, b);
+        return makeBool(truth);
     } else if constexpr (O == krOp::xorOp) {
-        if (!evalBoth(left, right, false, a, b)) return nullptr;
-        krVariant* result = new krVBool(a->toBool() != b->toBool());
-        a->release();
-        b->release();
-        return result;
+        Operands ops;
+        if (!ops.evaluate(left, right, false)) return nullptr;
+        return makeBool(krTruth(ops.a) != krTruth(ops.b));
     } else if constexpr (O == krOp::andOp || O == krOp::orOp || O == krOp::defaultValue) {
         // The right side runs only when the left does not decide.
         if (!left || !right) return nullptr;
@@ -296,7 +349,7 @@ krVariant* krBOp<O>::eval() {
             return v ? v : right->eval();
         } else {
             if (!v) return nullptr;
-            if (v->toBool() == (O == krOp::orOp)) return v;
+            if (krTruth(v) == (O == krOp::orOp)) return v;
             v->release();
             return right->eval();
         }
@@ -304,8 +357,7 @@ krVariant* krBOp<O>::eval() {
         if (!right) return nullptr;
         krVariant* v = right->eval();
         if (!v) return nullptr;
-        krVariant* result = O == krOp::notOp ? static_cast<krVariant*>(new krVBool(!v->toBool()))
-                                             : new krVInt(~v->toInt());
+        krVariant* result = O == krOp::notOp ? makeBool(!krTruth(v)) : makeInt(~v->toInt());
         v->release();
         return result;
     } else if constexpr (O == krOp::increase || O == krOp::decrease || O == krOp::assignNot ||
@@ -317,24 +369,30 @@ krVariant* krBOp<O>::eval() {
         krVariant* v = side->eval();
         if (!v) return nullptr;
         constexpr int kind = (O == krOp::assignNot) ? krTypeBool : krTypeInt;
-        const bool changes = v->type() == kind;
         krVariant* oldValue = nullptr;
         if (postfix) {
-            if constexpr (O == krOp::assignNot) oldValue = new krVBool(v->toBool());
-            else if constexpr (O == krOp::assignBinNot) oldValue = new krVBool(v->toInt() != 0);
-            else oldValue = new krVInt(v->toInt());
+            if constexpr (O == krOp::assignNot) oldValue = makeBool(krTruth(v));
+            else if constexpr (O == krOp::assignBinNot) oldValue = makeBool(v->toInt() != 0);
+            else oldValue = makeInt(v->toInt());
         }
-        if (changes) {
+        if (v->type() == kind) {
             const bool copied = v->isFrozen();
             if (copied) {
                 krVariant* copy = v->clone();
                 v->release();
                 v = copy;
             }
-            if constexpr (O == krOp::increase) v->setInt(wrapAdd(v->toInt(), 1));
-            else if constexpr (O == krOp::decrease) v->setInt(wrapSub(v->toInt(), 1));
-            else if constexpr (O == krOp::assignNot) v->setBool(!v->toBool());
-            else v->setInt(~v->toInt());
+            if (v->storage() == krStorage::integer) {
+                int32_t& raw = static_cast<krVInt*>(v)->raw();
+                if constexpr (O == krOp::increase) raw = wrapAdd(raw, 1);
+                else if constexpr (O == krOp::decrease) raw = wrapSub(raw, 1);
+                else if constexpr (O == krOp::assignBinNot) raw = ~raw;
+            } else {
+                if constexpr (O == krOp::increase) v->setInt(wrapAdd(v->toInt(), 1));
+                else if constexpr (O == krOp::decrease) v->setInt(wrapSub(v->toInt(), 1));
+                else if constexpr (O == krOp::assignNot) v->setBool(!v->toBool());
+                else v->setInt(~v->toInt());
+            }
             if (copied) side->adoptCopy(v);
         }
         if (postfix) {
@@ -355,10 +413,9 @@ krVariant* krBOp<O>::eval() {
         if (v) left->assign(v);
         return v;
     } else {
-        if (!evalBoth(left, right, false, a, b)) return nullptr;
-        krVariant* result = compound(O, a, b, left, this);
-        b->release();
-        return result;
+        Operands ops;
+        if (!ops.evaluate(left, right, false)) return nullptr;
+        return compound<O>(ops.takeA(), ops.b, left, this);
     }
 }
 

@@ -31,9 +31,25 @@ public:
     virtual int level() const = 0;
     virtual bool groupsRight() const = 0;
 
+    // A result the node itself may fill again: its last result when nobody else holds it any
+    // more, so arithmetic in loops does not make a new value per step. The caller gets its own
+    // reference as always; a result someone kept is simply left to them.
+    krVariant* makeInt(int32_t v);
+    krVariant* makeFloat(float v);
+    krVariant* makeBool(bool v);
+    krVariant* makeString(std::string&& v);
+
 protected:
+    // A temporary of this node cannot stand left of "=".
+    bool ownsTemporary(krVariant* v) const override { return v == scratch; }
+
     krBlock* left = nullptr;
     krBlock* right = nullptr;
+
+private:
+    template <class T, krStorage S, typename V>
+    krVariant* reuse(V&& v);
+    krVariant* scratch = nullptr;
 };
 
 template <krOp O>

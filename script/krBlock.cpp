@@ -19,7 +19,7 @@ void krBlock::assign(krVariant* value) {
     krVariant* target = eval();
     if (!target) return;
     // Only a value that someone else holds too (a variable, an element) is a place to write to.
-    if (target->getRefCount() < 2 || target->isFrozen())
+    if (target->getRefCount() < 2 || target->isFrozen() || ownsTemporary(target))
         reportError(this, "Target not assignable");
     else
         target->assign(value);

@@ -38,6 +38,8 @@ public:
     // constant, as a parameter aliasing a literal does); a node that names storage keeps the
     // copy, anything else lets the change stay with the temporary.
     virtual void adoptCopy(krVariant*) {}
+    // Whether `v` is a temporary this node keeps for itself (and so no place to write to).
+    virtual bool ownsTemporary(krVariant*) const { return false; }
     virtual void setParent(krBlock* p);
     krBlock* getParent() const { return parent; }
     krScript* getScript() const { return script; }

@@ -1,6 +1,7 @@
 // Loaded scripts: variables by the store rule, frames, functions, bindings, settings files.
 #include "script/krScript.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "core/krHandles.h"
@@ -30,7 +31,7 @@ krScript::~krScript() {
     for (Binding& b : records) b.object->removeEvent(b.name, b.handler);
     for (krFunction* f : eventFunctions) f->retire();
     eventFunctions.clear();
-    while (!frames.empty()) popFrame();
+    while (hasFrame()) popFrame();
     krHandles::drop(handleId);
 }
 
@@ -88,25 +89,38 @@ void krScript::storeFieldValue(int32_t slot, krVariant* value) {
 }
 
 void krScript::pushFrame(krFrameLayout* layout) {
-    Frame f{layout, static_cast<int32_t>(slots.size()), layout->size()};
-    slots.resize(slots.size() + static_cast<size_t>(f.size), nullptr);
-    frames.push_back(f);
+    if (top.layout) frames.push_back(top);
+    top = Frame{layout, static_cast<int32_t>(slots.size()), layout->size()};
+    slots.resize(slots.size() + static_cast<size_t>(top.size), nullptr);
 }
 
 void krScript::popFrame() {
-    if (frames.empty()) return;
-    const Frame f = frames.back();
-    // Values are released after the frame is gone, so a destructor reached from a release sees
-    // a consistent stack.
-    std::vector<krVariant*> dying(slots.begin() + f.base, slots.end());
-    slots.resize(static_cast<size_t>(f.base));
-    frames.pop_back();
-    for (krVariant* v : dying)
-        if (v) v->release();
+    if (!top.layout) return;
+    const int32_t base = top.base;
+    if (frames.empty()) {
+        top = Frame{nullptr, 0, 0};
+    } else {
+        top = frames.back();
+        frames.pop_back();
+    }
+    // Values are released after the frame is gone: a release may run code (a destructor of a
+    // module that a value was the last to name) that must see a consistent stack.
+    krVariant* inline_[krFunction::maxInlineParams];
+    std::vector<krVariant*> heap;
+    const size_t count = slots.size() - static_cast<size_t>(base);
+    krVariant** dying = inline_;
+    if (count > krFunction::maxInlineParams) {
+        heap.resize(count);
+        dying = heap.data();
+    }
+    std::copy(slots.begin() + base, slots.end(), dying);
+    slots.resize(static_cast<size_t>(base));
+    for (size_t i = 0; i < count; ++i)
+        if (dying[i]) dying[i]->release();
 }
 
 void krScript::storeFrameValue(int32_t slot, krVariant* value) {
-    Frame& f = frames.back();
+    Frame& f = top;
     if (slot >= f.size) {
         f.size = slot + 1;
         slots.resize(static_cast<size_t>(f.base + f.size), nullptr);
@@ -141,22 +155,22 @@ krVariant* krScript::getField(const std::string& name) {
 }
 
 krVariant* krScript::getLocal(const std::string& name) {
-    if (frames.empty()) return nullptr;
-    krVariant* v = frameValue(frames.back().layout->slot(name, false));
+    if (!hasFrame()) return nullptr;
+    krVariant* v = frameValue(top.layout->slot(name, false));
     return v ? v->addRef() : nullptr;
 }
 
 void krScript::setVariable(const std::string& name, krVariant* value) {
     if (!value) return;
-    if (!frames.empty()) {
-        const int32_t slot = frames.back().layout->slot(name, false);
+    if (hasFrame()) {
+        const int32_t slot = top.layout->slot(name, false);
         if (frameValue(slot)) {
             setLocal(name, value);
             return;
         }
     }
     auto it = fieldIndex.find(name);
-    if ((it != fieldIndex.end() && fieldValues[static_cast<size_t>(it->second)]) || frames.empty())
+    if ((it != fieldIndex.end() && fieldValues[static_cast<size_t>(it->second)]) || !hasFrame())
         setField(name, value);
     else
         setLocal(name, value);
@@ -170,18 +184,17 @@ void krScript::setField(const std::string& name, krVariant* value) {
 
 void krScript::setLocal(const std::string& name, krVariant* value) {
     if (!value) return;
-    if (frames.empty()) {
+    if (!hasFrame()) {
         value->release();
         return;
     }
-    const int32_t index = frames.back().layout->slot(name, true);
+    const int32_t index = top.layout->slot(name, true);
     // Make room first, so that the slot exists for the store rule.
     if (!frameValue(index)) {
         storeFrameValue(index, value);
         return;
     }
-    Frame& f = frames.back();
-    store(slots[static_cast<size_t>(f.base + index)], value);
+    store(slots[static_cast<size_t>(top.base + index)], value);
 }
 
 krFunction* krScript::getFunction(const std::string& name) {

@@ -54,12 +54,12 @@ public:
     // Frames: a window of the slot stack per running call, laid out by the function's layout.
     void pushFrame(krFrameLayout* layout);
     void popFrame();
-    bool hasFrame() const { return !frames.empty(); }
-    krFrameLayout* topLayout() const { return frames.back().layout; }
+    bool hasFrame() const { return top.layout != nullptr; }
+    // The layout of the top frame, null with no frame.
+    krFrameLayout* topLayout() const { return top.layout; }
     // The value in a slot of the top frame, or null.
     krVariant* frameValue(int32_t slot) const {
-        const Frame& f = frames.back();
-        return slot >= 0 && slot < f.size ? slots[f.base + slot] : nullptr;
+        return slot >= 0 && slot < top.size ? slots[static_cast<size_t>(top.base + slot)] : nullptr;
     }
     // Stores into a slot of the top frame, taking over the reference; grows the frame if needed.
     void storeFrameValue(int32_t slot, krVariant* value);
@@ -110,7 +110,10 @@ private:
     std::unordered_map<std::string, int32_t> fieldIndex;
     std::vector<krVariant*> fieldValues;
     std::vector<krVariant*> slots;
+    // Frames below the top one; the top frame itself is kept apart, since every variable access
+    // reads it.
     std::vector<Frame> frames;
+    Frame top{nullptr, 0, 0};
     std::map<std::string, krFunction*> functions;
     std::vector<krVariant*> currentValues;
     int32_t status = krStatusRun;

@@ -13,6 +13,11 @@
 class krBlock;
 struct krIterState;
 
+// How a value keeps its content: the plain classes below hold it in a field that the interpreter
+// reads directly on its fast paths; everything else (bound values, objects, arrays, macros)
+// answers only through the virtual conversions.
+enum class krStorage : uint8_t { other, boolean, integer, real, text };
+
 enum krType : uint8_t {
     krTypeNone = 0,
     krTypeBool = 1,
@@ -52,6 +57,7 @@ public:
     }
 
     int type() const { return kind; }
+    krStorage storage() const { return store; }
 
     // Constants of the block tree and of the constant table are frozen: nothing a script does can
     // change them. Operators that would change one in place work on a copy instead.
@@ -99,17 +105,19 @@ public:
     static bool overLimit() { return instanceCount > instanceLimit; }
 
 protected:
-    explicit krVariant(krType t) : kind(t) { ++instanceCount; }
+    explicit krVariant(krType t, krStorage s = krStorage::other) : kind(t), store(s) { ++instanceCount; }
 
 private:
     int32_t refCount = 1;
     krType kind;
+    krStorage store;
     bool frozen = false;
 };
 
 class krVBool : public krVariant {
 public:
-    explicit krVBool(bool v) : krVariant(krTypeBool), value(v) {}
+    bool& raw() { return value; }
+    explicit krVBool(bool v) : krVariant(krTypeBool, krStorage::boolean), value(v) {}
     krVariant* clone() override { return new krVBool(value); }
     void reset() override { setBool(false); }
     bool toBool() override { return value; }
@@ -128,7 +136,8 @@ private:
 
 class krVInt : public krVariant {
 public:
-    explicit krVInt(int32_t v) : krVariant(krTypeInt), value(v) {}
+    int32_t& raw() { return value; }
+    explicit krVInt(int32_t v) : krVariant(krTypeInt, krStorage::integer), value(v) {}
     krVariant* clone() override { return new krVInt(value); }
     void reset() override { setInt(0); }
     bool toBool() override { return value != 0; }
@@ -147,7 +156,8 @@ private:
 
 class krVFloat : public krVariant {
 public:
-    explicit krVFloat(float v) : krVariant(krTypeFloat), value(v) {}
+    float& raw() { return value; }
+    explicit krVFloat(float v) : krVariant(krTypeFloat, krStorage::real), value(v) {}
     krVariant* clone() override { return new krVFloat(value); }
     void reset() override { setFloat(0); }
     bool toBool() override { return value != 0; }
@@ -171,7 +181,7 @@ namespace krConvert {
 
 class krVString : public krVariant {
 public:
-    explicit krVString(std::string v) : krVariant(krTypeString), value(std::move(v)) {}
+    explicit krVString(std::string v) : krVariant(krTypeString, krStorage::text), value(std::move(v)) {}
     krVariant* clone() override { return new krVString(value); }
     void reset() override { setString(std::string()); }
     bool toBool() override;
@@ -190,6 +200,7 @@ public:
     }
     size_t textLength() override { return value.size(); }
     const std::string& text() const { return value; }
+    std::string& raw() { return value; }
 
 private:
     std::string value;
@@ -209,4 +220,30 @@ namespace krConvert {
     constexpr size_t maxStringBytes = size_t(64) << 20;
     // The members of text values (`length`, `empty`, `clear`), for strings and bound strings.
     krVariant* stringMember(krVariant* self, const std::string& text, const std::string& name, const krArgs& args);
+}
+
+// Copies the content of a plain value into a plain value of the same storage, the store rule's
+// common case, without a virtual call; false when either is not plain, they differ, or the target
+// is frozen.
+inline bool krCopyPlain(krVariant* target, krVariant* source) {
+    const krStorage kind = target->storage();
+    if (kind != source->storage() || kind == krStorage::other || target->isFrozen()) return false;
+    switch (kind) {
+    case krStorage::integer: static_cast<krVInt*>(target)->raw() = static_cast<krVInt*>(source)->raw(); break;
+    case krStorage::real: static_cast<krVFloat*>(target)->raw() = static_cast<krVFloat*>(source)->raw(); break;
+    case krStorage::boolean: static_cast<krVBool*>(target)->raw() = static_cast<krVBool*>(source)->raw(); break;
+    default:
+        if (target != source) static_cast<krVString*>(target)->raw() = static_cast<krVString*>(source)->raw();
+        break;
+    }
+    return true;
+}
+
+// The truth of a value, with the plain kinds read directly.
+inline bool krTruth(krVariant* v) {
+    switch (v->storage()) {
+    case krStorage::boolean: return static_cast<krVBool*>(v)->raw();
+    case krStorage::integer: return static_cast<krVInt*>(v)->raw() != 0;
+    default: return v->toBool();
+    }
 }
