@@ -40,6 +40,8 @@ void krVideo::addViewPort(krViewPort* viewport) {
     if (viewport->listedIn && viewport->listedIn != this) viewport->listedIn->removeViewPort(viewport);
     if (std::find(viewports.begin(), viewports.end(), viewport) == viewports.end()) viewports.push_back(viewport);
     viewport->listedIn = this;
+    // Measured again at its first scene in this video.
+    viewport->pixelCount = 0;
     currentViewPort = viewport;
 }
 

@@ -81,6 +81,13 @@ bool krVideo_OGL::queueGlow(krVideoItem_OGL* item) {
     return true;
 }
 
+void krVideo_OGL::contextLost() {
+    contextReady = false;
+    query = 0;
+    firstFrame = true;
+    for (krViewPort* viewport : viewports) viewport->pixelCount = 0;
+}
+
 void krVideo_OGL::unbindShaders() {
     if (glsl && krglUseProgramObjectARB) krglUseProgramObjectARB(0);
 }
@@ -126,7 +133,8 @@ void krVideo_OGL::drawViewport() {
     }
     krCamera* camera = currentCamera;
     forceAlphaSort = viewport->isCameraAssigned() || (camera && camera->isCut());
-    // Post effects, when they exist, wrap this scene in their off-screen targets.
+    // Here the post effects' chain will wrap the scene in their off-screen targets; without
+    // effects the scene goes straight to the frame.
     drawScene(x, y, width, height);
     rect();
     unbindShaders();

@@ -67,6 +67,9 @@ public:
 
     // Selects fixed-function drawing again after a shader program.
     void unbindShaders();
+    // The window's context went away with everything made in it: nothing is drawn until a new
+    // one stands, and what lived in the old one is made again at the next init.
+    void contextLost();
 
     // Capabilities. The wished ones (glsl, cg, occlusionQuery, pointSprites, hardwareSkinning)
     // are set by scripts before the window's init, which tests them and clears what is missing;

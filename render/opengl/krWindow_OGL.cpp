@@ -51,8 +51,8 @@ krDisplayMode krWindow_OGL::displayMode() const {
 
 void krWindow_OGL::destroyNative() {
     ready = false;
-    if (krVideo_OGL* v = getVideo_OGL()) v->contextReady = false;
     if (native) {
+        if (krVideo_OGL* v = getVideo_OGL()) v->contextLost();
         if (fullscreen) krWindowSystem::leaveFullscreen(native);
         krWindowSystem::destroy(native);
         native = nullptr;

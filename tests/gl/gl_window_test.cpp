@@ -97,12 +97,21 @@ TEST_F(GLWindow, BadSizesFailWithAReport) {
 }
 
 TEST_F(GLWindow, InitAgainMakesTheWindowAnew) {
+    video->occlusionQuery = true;
     ASSERT_TRUE(open(64, 48));
+    auto* v = new krViewPort(video);
+    v->attach();
+    v->setVisible(true);
+    v->setSize(0, 0, 64, 48);
     ASSERT_TRUE(frame());
+    EXPECT_FLOAT_EQ(v->pixelCount, 64 * 48);
     ASSERT_TRUE(open(40, 30));
     ASSERT_TRUE(frame());
     EXPECT_EQ(probe->width, 40);
     EXPECT_EQ(probe->height, 30);
+    // What lived in the old context is made again: the viewport is measured in the new frame.
+    EXPECT_NE(video->getQuery(), 0u);
+    EXPECT_FLOAT_EQ(v->pixelCount, 40 * 30);
 }
 
 TEST_F(GLWindow, QuitAndCloseEndTheFrameLoop) {
