@@ -209,7 +209,8 @@ TEST_F(Cameras, TargetsThatGoAwayOrAreNoModules) {
 TEST_F(Cameras, ScriptFactoriesAndProperties) {
     krScript* s = run("$f = new_flyingCamera(); $f.setPosition(1, 2, 3); $f.x += 1; $f.speed = 3; $f.fov = 45;\n"
                       "$a = \"\" + $f.x + \" \" + $f.y + \" \" + $f.speed + \" \" + $f.fov + \" \" + $f.distance;\n"
-                      "$g = new_floatingCamera(0); $o = $g.owner; $c = $f.class + \" \" + new_fixedCamera().class;\n");
+                      "$g = new_floatingCamera(0); $o = $g.owner; delete $g;\n"
+                      "$c = $f.class + \" \" + new_fixedCamera().class;\n");
     EXPECT_EQ(field(s, "a"), "2.00 2.00 3.00 45.0 100");
     EXPECT_EQ(field(s, "o"), "");
     EXPECT_EQ(field(s, "c"), "krFlyingCamera krFixedCamera");
