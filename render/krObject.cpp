@@ -11,10 +11,7 @@
 #include "render/krVideo.h"
 #include "script/krVObject.h"
 
-krObject::krObject(krModule* o) : krObjectContainer(o), self(new krVObject(this)) {
-    box.clear();
-    localBox.clear();
-}
+krObject::krObject(krModule* o) : krObjectContainer(o), self(new krVObject(this)) {}
 
 krObject::~krObject() {
     dropScript();
