@@ -177,7 +177,7 @@ TEST_F(SceneLoad, MaterialsFlagsAndTextureSlots) {
     };
     add("glass", {slot(krMeshFile::diffuseSlotId, "glass.dds", 2)});
     add("leaves", {slot(krMeshFile::diffuseSlotId, "leaf.dds", 1)});
-    add("shiny", {slot(krMeshFile::specularSlotId, "spec.dds")}).record.specularStrength = 128;
+    add("shiny", {slot(krMeshFile::specularSlotId, "shine.dds")}).record.specularStrength = 128;
     add("bumpy", {slot(krMeshFile::normalSlotId, "n.dds"), slot(krMeshFile::specularSlotId, "s.dds")});
     add("elsewhere", {slot(krMeshFile::diffuseSlotId, "x.dds", 2, 1), slot(krMeshFile::normalSlotId, "", 0)});
     krMeshFileMaterial& lamp = add("lamp", {});
@@ -200,7 +200,7 @@ TEST_F(SceneLoad, MaterialsFlagsAndTextureSlots) {
     EXPECT_EQ(mats[1].flags, krMaterialAlphaTested);
     // A specular map without a normal map takes the second unit; no normal flag.
     EXPECT_EQ(mats[2].flags, krMaterialSpecularMapped);
-    EXPECT_EQ(mats[2].textures[1], "set/spec.dds");
+    EXPECT_EQ(mats[2].textures[1], "set/shine.dds");
     EXPECT_EQ(mats[2].specular, krColor(127, 127, 127, 255));
     EXPECT_EQ(mats[3].flags, krMaterialNormalMapped | krMaterialSpecularMapped);
     EXPECT_EQ(mats[3].textures[1], "set/n.dds");
