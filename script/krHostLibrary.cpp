@@ -75,7 +75,10 @@ krVariant* include(krBlock* caller, const krArgs& args) {
     return result;
 }
 
-krVariant* load(krBlock* caller, const krArgs& args) {
+// Loads or runs each non-empty name in turn. The value is that of the last script started; a
+// load of a script that was loaded before starts nothing and leaves the value as it was.
+krVariant* eachScript(krBlock* caller, const krArgs& args, krVariant* (krScripting::*start)(const std::string&),
+                      bool everyStartCounts) {
     krScripting* host = krScripting::instance();
     if (!host) return nullptr;
     if (krSystem::stackLow()) return reportError(caller, "Recursion too deep");
@@ -83,13 +86,15 @@ krVariant* load(krBlock* caller, const krArgs& args) {
     for (krVariant* a : args) {
         const std::string name = a->toString();
         if (name.empty()) continue;
-        krVariant* r = host->loadScript(name);
-        if (!r) continue;
+        krVariant* r = (host->*start)(name);
+        if (!r && !everyStartCounts) continue;
         if (result) result->release();
         result = r;
     }
     return result;
 }
+
+krVariant* load(krBlock* caller, const krArgs& args) { return eachScript(caller, args, &krScripting::loadScript, false); }
 
 krVariant* unload(krBlock* caller, const krArgs& args) {
     krScripting* host = krScripting::instance();
@@ -109,20 +114,7 @@ krVariant* instantUnload(krBlock*, const krArgs& args) {
     return nullptr;
 }
 
-krVariant* run(krBlock* caller, const krArgs& args) {
-    krScripting* host = krScripting::instance();
-    if (!host) return nullptr;
-    if (krSystem::stackLow()) return reportError(caller, "Recursion too deep");
-    krVariant* result = nullptr;
-    for (krVariant* a : args) {
-        const std::string name = a->toString();
-        if (name.empty()) continue;
-        krVariant* r = host->runScript(name);
-        if (result) result->release();
-        result = r;
-    }
-    return result;
-}
+krVariant* run(krBlock* caller, const krArgs& args) { return eachScript(caller, args, &krScripting::runScript, true); }
 
 krVariant* krfile(krBlock*, const krArgs& args) {
     if (args.size() != 1) return nullptr;

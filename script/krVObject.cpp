@@ -6,7 +6,7 @@
 #include "platform/krSystem.h"
 
 krVObject* krVObject::fromHandle(int32_t h) {
-    auto* v = new krVObject();
+    auto* v = new krVObject(nullptr);
     v->handle = h;
     return v;
 }
@@ -41,10 +41,10 @@ void krVObject::setMember(const std::string& name, krVariant* value) {
     if (o && value) o->setMember(name, value);
 }
 
-krVScript::krVScript(krScript* s) : krVariant(krTypeScript), handle(s ? s->handle() : 0) {}
+krVScript::krVScript(krScript* s) : krVHandle(krTypeScript, s ? s->handle() : 0) {}
 
 krVScript* krVScript::fromHandle(int32_t h) {
-    auto* v = new krVScript();
+    auto* v = new krVScript(nullptr);
     v->handle = h;
     return v;
 }

@@ -6,34 +6,44 @@
 
 class krScript;
 
-class krVObject : public krVariant {
+// What object and script values share: a handle that turns into null once its thing is gone.
+class krVHandle : public krVariant {
 public:
-    explicit krVObject(krScriptObject* object) : krVariant(krTypeObject), handle(object ? object->handle() : 0) {}
+    bool toBool() override { return target() != nullptr; }
+    int32_t toInt() override { return target() ? handle : 0; }
+    float toFloat() override { return 0; }
+    void reset() override { setHandle(0); }
+    void assign(krVariant* v) override { setHandle(v->toInt()); }
+    bool isConst() override { return false; }
+
+protected:
+    krVHandle(krType t, int32_t h) : krVariant(t), handle(h) {}
+    // The live thing behind the handle, or null.
+    virtual void* target() const = 0;
+    void setHandle(int32_t h) {
+        if (!isFrozen()) handle = h;
+    }
+    int32_t handle;
+};
+
+class krVObject : public krVHandle {
+public:
+    explicit krVObject(krScriptObject* object) : krVHandle(krTypeObject, object ? object->handle() : 0) {}
     static krVObject* fromHandle(int32_t h);
 
     krScriptObject* object() const { return krScriptObject::fromHandle(handle); }
 
     krVariant* clone() override { return fromHandle(handle); }
-    void reset() override { setHandle(0); }
-    bool toBool() override { return object() != nullptr; }
-    int32_t toInt() override { return object() ? handle : 0; }
-    float toFloat() override { return 0; }
     std::string toString() override;
     std::string toLiteral() override;
-    void assign(krVariant* v) override { setHandle(v->toInt()); }
     krVariant* getMember(const std::string& name, krBlock* caller, const krArgs& args) override;
     void setMember(const std::string& name, krVariant* value) override;
-    bool isConst() override { return false; }
 
-private:
-    krVObject() : krVariant(krTypeObject) {}
-    void setHandle(int32_t h) {
-        if (!isFrozen()) handle = h;
-    }
-    int32_t handle = 0;
+protected:
+    void* target() const override { return object(); }
 };
 
-class krVScript : public krVariant {
+class krVScript : public krVHandle {
 public:
     explicit krVScript(krScript* script);
     static krVScript* fromHandle(int32_t h);
@@ -41,23 +51,13 @@ public:
     krScript* script() const;
 
     krVariant* clone() override { return fromHandle(handle); }
-    void reset() override { setHandle(0); }
-    bool toBool() override { return script() != nullptr; }
-    int32_t toInt() override { return script() ? handle : 0; }
-    float toFloat() override { return 0; }
     std::string toString() override;
     std::string toLiteral() override;
-    void assign(krVariant* v) override { setHandle(v->toInt()); }
     krVariant* getMember(const std::string& name, krBlock* caller, const krArgs& args) override;
     void setMember(const std::string& name, krVariant* value) override;
-    bool isConst() override { return false; }
 
-private:
-    krVScript() : krVariant(krTypeScript) {}
-    void setHandle(int32_t h) {
-        if (!isFrozen()) handle = h;
-    }
-    int32_t handle = 0;
+protected:
+    void* target() const override { return script(); }
 };
 
 class krVMacro : public krVariant {

@@ -1,6 +1,6 @@
 // Camera poses: the flying camera under keys and mouse, the floating camera's smoothing rate,
 // the fixed camera's rigid tie, targets that go away, and the script members.
-#include "input_testing.h"
+#include "engine_testing.h"
 
 #include <cmath>
 
@@ -40,7 +40,7 @@ bool getBool(krScriptObject* o, const char* name) {
 }
 }
 
-using Cameras = inputTesting::Engine;
+using Cameras = engineTesting::Engine;
 
 TEST_F(Cameras, FlyingCameraMovesAlongItsAxes) {
     auto* cam = make<krFlyingCamera>();

@@ -2,14 +2,9 @@
 // the root sends, and raw chunk bytes for files that no writer would make.
 #pragma once
 
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
 #include <string>
-#include <vector>
 
+#include "engine_testing.h"
 #include "core/krChunk.h"
 #include "core/krFileIndex.h"
 #include "core/krMain.h"
@@ -17,14 +12,7 @@
 
 namespace fileTesting {
 
-inline std::vector<std::string>& reports() {
-    static std::vector<std::string> seen;
-    return seen;
-}
-
-inline void observe(const char* event, const std::string& text) {
-    if (std::string(event) == "errorMsg") reports().push_back(text);
-}
+using engineTesting::reports;
 
 inline std::string chunk(uint32_t id, const std::string& payload) {
     std::string out(krChunk::headerSize, '\0');
@@ -66,36 +54,23 @@ inline std::string pack(const std::string& data, const std::string& entries) {
 class WorkDir : public testing::Test {
 protected:
     void SetUp() override {
-        previous = std::filesystem::current_path();
-        dir = std::filesystem::temp_directory_path() /
-              ("kerrin-files-" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) + "-" +
-               std::to_string(::getpid()));
-        std::filesystem::remove_all(dir);
-        std::filesystem::create_directories(dir);
-        std::filesystem::current_path(dir);
-        krFileIndex::forget();
+        scratch = new engineTesting::ScratchDir("kerrin-files");
         root = new krMain(0, nullptr);
         reports().clear();
-        krMain::setReportObserver(observe);
+        krMain::setReportObserver(engineTesting::observe);
     }
     void TearDown() override {
         krMain::setReportObserver(nullptr);
         root->release();
-        std::filesystem::current_path(previous);
-        std::filesystem::remove_all(dir);
-        krFileIndex::forget();
+        delete scratch;
     }
 
-    static void write(const std::string& path, const std::string& content) {
-        const std::filesystem::path p(path);
-        if (p.has_parent_path()) std::filesystem::create_directories(p.parent_path());
-        std::ofstream(p, std::ios::binary).write(content.data(), static_cast<std::streamsize>(content.size()));
-    }
+    static void write(const std::string& path, const std::string& content) { engineTesting::writeFile(path, content); }
 
     krMain* root = nullptr;
 
 private:
-    std::filesystem::path previous, dir;
+    engineTesting::ScratchDir* scratch = nullptr;
 };
 
 }  // namespace fileTesting

@@ -1,5 +1,5 @@
 // Key codes and names, held-key buffers, key sets.
-#include "input_testing.h"
+#include "engine_testing.h"
 
 #include "interface/krInputKeys.h"
 #include "interface/krInputObject.h"
@@ -65,7 +65,7 @@ struct Bindings : krKeysetObject {
 };
 }
 
-using InputKeyset = inputTesting::Engine;
+using InputKeyset = engineTesting::Engine;
 
 TEST_F(InputKeyset, LoadsBindingsOnce) {
     write("keys.script", "$forward = \"Up\";\n$fire = \"Enter\";\n$jump = \"Jump\";\n$sensitivity = 0.25;\n"
@@ -85,7 +85,7 @@ TEST_F(InputKeyset, LoadsBindingsOnce) {
     b.loadKeys("keys.script");
     EXPECT_EQ(b.forward, krLetterKey('S'));
     EXPECT_EQ(b.fire, 7);
-    EXPECT_TRUE(inputTesting::reports().empty());
+    EXPECT_TRUE(engineTesting::reports().empty());
 }
 
 TEST_F(InputKeyset, MissingOrBrokenFilesGiveDefaults) {
@@ -94,11 +94,11 @@ TEST_F(InputKeyset, MissingOrBrokenFilesGiveDefaults) {
     EXPECT_EQ(b.applied, 1);
     EXPECT_EQ(b.forward, krLetterKey('W'));
     EXPECT_FLOAT_EQ(b.sensitivity, 1.5f);
-    EXPECT_FALSE(inputTesting::reports().empty());
+    EXPECT_FALSE(engineTesting::reports().empty());
 
-    inputTesting::reports().clear();
+    engineTesting::reports().clear();
     write("broken.script", "$forward = \"A\"; $fire = 3 @ 4; $sensitivity = \"unterminated;\n");
     b.loadKeys("broken.script");
     EXPECT_EQ(b.forward, krLetterKey('A'));
-    EXPECT_FALSE(inputTesting::reports().empty());
+    EXPECT_FALSE(engineTesting::reports().empty());
 }

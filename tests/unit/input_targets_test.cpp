@@ -1,5 +1,5 @@
 // The window's input targets: priorities, activation, targets that die, the script members.
-#include "input_testing.h"
+#include "engine_testing.h"
 
 #include "interface/krInputObject.h"
 #include "render/krWindow.h"
@@ -13,7 +13,7 @@ struct Target : krModule, krInputObject {
 };
 }
 
-using InputTargets = inputTesting::Engine;
+using InputTargets = engineTesting::Engine;
 
 TEST_F(InputTargets, HighestPriorityLaterOfEquals) {
     auto* window = make<krWindow>();
@@ -83,7 +83,7 @@ TEST_F(InputTargets, ScriptMembers) {
     in->release();
     // A module that takes no input is refused with a report, and changes nothing.
     call("addInputTarget", {p});
-    EXPECT_EQ(inputTesting::reports().size(), 1u);
+    EXPECT_EQ(engineTesting::reports().size(), 1u);
     window->setMember("inputTarget", p);
     EXPECT_EQ(window->getInputTarget(), a);
     call("removeInputTarget", {t});

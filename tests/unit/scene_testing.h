@@ -3,38 +3,18 @@
 // from text, and mesh files built with the shared layout.
 #pragma once
 
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
-#include "core/krFileIndex.h"
-#include "core/krMain.h"
+#include "engine_testing.h"
 #include "render/krMesh.h"
 #include "render/krMeshFileWriter.h"
 #include "render/krObject.h"
 #include "render/krVideo.h"
-#include "script/krBlock.h"
-#include "script/krScript.h"
-#include "script/krScripting.h"
 
 namespace sceneTesting {
 
-inline std::vector<std::string>& reports() {
-    static std::vector<std::string> seen;
-    return seen;
-}
-
-inline void observe(const char* event, const std::string& text) {
-    if (std::string(event) == "errorMsg") reports().push_back(text);
-}
-
-inline void forwardToRoot(const std::string& text) {
-    if (krMain* root = krMain::instance()) root->errorMsg(text);
-}
+using engineTesting::reports;
 
 // What a drawn mesh looked like when the video was handed it: copies, since the mesh is gone
 // after the call.
@@ -64,84 +44,16 @@ public:
     std::vector<SeenMesh> seen;
 };
 
-class Scene : public testing::Test {
+class Scene : public engineTesting::Engine {
 protected:
     void SetUp() override {
-        previous = std::filesystem::current_path();
-        dir = std::filesystem::temp_directory_path() /
-              ("kerrin-scene-" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) + "-" +
-               std::to_string(::getpid()));
-        std::filesystem::remove_all(dir);
-        std::filesystem::create_directories(dir);
-        std::filesystem::current_path(dir);
-        krFileIndex::forget();
-        reports().clear();
-        krMain::setReportObserver(observe);
-        root = new krMain(0, nullptr);
-        root->attach();
-        host = new krScripting(root);
-        host->attach();
-        krLibrary::registerLanguage();
-        krScriptErrors::setErrorHandler(forwardToRoot);
-        krLibrary::registerHost();
-        krLibrary::registerConstants();
-        video = new RecordingVideo(root);
-        video->attach();
+        Engine::SetUp();
+        video = make<RecordingVideo>();
     }
 
-    void TearDown() override {
-        for (krScript* s : scripts) delete s;
-        host->deinit();
-        root->deinit();
-        host->release();
-        root->release();
-        krScriptErrors::setErrorHandler(krScriptErrors::defaultHandler());
-        krMain::setReportObserver(nullptr);
-        std::filesystem::current_path(previous);
-        std::filesystem::remove_all(dir);
-        krFileIndex::forget();
-    }
+    krObject* newObject(krModule* owner = nullptr) { return make<krObject>(owner); }
 
-    // Files written during a test are found: the index is rebuilt at the next open.
-    static void write(const std::string& path, const std::string& content) {
-        const std::filesystem::path p(path);
-        if (p.has_parent_path()) std::filesystem::create_directories(p.parent_path());
-        std::ofstream(p, std::ios::binary).write(content.data(), static_cast<std::streamsize>(content.size()));
-        krFileIndex::forget();
-    }
-
-    // Runs script text; the script stays (with its event bindings) until the test ends.
-    krScript* run(const std::string& text) {
-        auto* s = new krScript();
-        s->setHost(host);
-        s->setFile("test.script");
-        s->load(text.c_str());
-        if (krVariant* r = s->eval()) r->release();
-        scripts.push_back(s);
-        return s;
-    }
-
-    // A global of a script that ran, as text.
-    static std::string field(krScript* s, const std::string& name) {
-        krVariant* v = s->getField(name);
-        std::string text = v ? v->toString() : "(none)";
-        if (v) v->release();
-        return text;
-    }
-
-    krObject* newObject(krModule* owner = nullptr) {
-        auto* o = new krObject(owner ? owner : root);
-        o->attach();
-        return o;
-    }
-
-    krMain* root = nullptr;
-    krScripting* host = nullptr;
     RecordingVideo* video = nullptr;
-    std::vector<krScript*> scripts;
-
-private:
-    std::filesystem::path previous, dir;
 };
 
 // The vertex of a test mesh at p, facing up, white, with texture coordinates from p.
