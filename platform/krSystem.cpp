@@ -23,10 +23,8 @@ constexpr double stackShare = 0.6;
 constexpr double reserveShare = 0.15;
 // Used when the limit is unlimited or cannot be read.
 constexpr size_t defaultStackBytes = 8u << 20;
-const char* stackBase = nullptr;
-size_t stackBudget = 0;
-size_t stackReserve = 0;
-int reserveDepth = 0;
+// The floor with the further share opened.
+const char* reserveFloor = nullptr;
 }
 
 uint64_t krSystem::counter() {
@@ -74,28 +72,25 @@ void krSystem::setMessageBoxAvailable(bool available) { boxAvailable = available
 void krSystem::setMessageBoxHook(MessageBoxHook hook) { boxHook = hook; }
 void krSystem::setMessageBoxShow(MessageBoxShow show) { boxShow = show; }
 
+const char* krSystem::stackFloor = nullptr;
+
 void krSystem::markStackBase() {
-    char here;
-    stackBase = &here;
+    const auto* base = static_cast<const char*>(__builtin_frame_address(0));
     rlimit limit{};
     size_t bytes = defaultStackBytes;
     if (getrlimit(RLIMIT_STACK, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY)
         bytes = static_cast<size_t>(limit.rlim_cur);
-    stackBudget = static_cast<size_t>(static_cast<double>(bytes) * stackShare);
-    stackReserve = static_cast<size_t>(static_cast<double>(bytes) * reserveShare);
+    const auto budget = static_cast<size_t>(static_cast<double>(bytes) * stackShare);
+    const auto reserve = static_cast<size_t>(static_cast<double>(bytes) * reserveShare);
+    stackFloor = base - budget;
+    reserveFloor = base - budget - reserve;
 }
 
 // Nested reserves do not add up: one further share is all there is.
-krSystem::StackReserve::StackReserve() { ++reserveDepth; }
-krSystem::StackReserve::~StackReserve() { --reserveDepth; }
-
-bool krSystem::stackLow() {
-    if (!stackBase) markStackBase();
-    char here;
-    const char* top = stackBase;
-    size_t used = top > &here ? static_cast<size_t>(top - &here) : static_cast<size_t>(&here - top);
-    return used > stackBudget + (reserveDepth > 0 ? stackReserve : 0);
+krSystem::StackReserve::StackReserve() : saved(stackFloor) {
+    if (reserveFloor) stackFloor = reserveFloor;
 }
+krSystem::StackReserve::~StackReserve() { stackFloor = saved; }
 
 namespace {
 bool wildcardMatch(const char* pattern, const char* name) {

@@ -36,11 +36,16 @@ namespace krSystem {
     // of '*' and '?' wildcards, sorted. "." and ".." are entries too; "*.*" matches every name.
     std::vector<std::string> listDirectory(const std::string& dir, const std::string& pattern);
 
+    // The lowest stack address that recursion may reach (stacks grow downwards here).
+    extern const char* stackFloor;
+    // Records the top of the stack and sets the floor; called once at the start of main.
+    void markStackBase();
     // True when the caller has used up the stack share that recursion may take, so that deep
     // script recursion and deeply nested source stop with a report before the guard page.
-    bool stackLow();
-    // Records the top of the stack; called once at the start of main.
-    void markStackBase();
+    inline bool stackLow() {
+        if (!stackFloor) markStackBase();
+        return static_cast<const char*>(__builtin_frame_address(0)) < stackFloor;
+    }
     // While one lives, recursive code may use a further share of the stack: an error found
     // because the stack ran low can still be delivered to the script handlers that show it.
     class StackReserve {
@@ -49,5 +54,8 @@ namespace krSystem {
         ~StackReserve();
         StackReserve(const StackReserve&) = delete;
         StackReserve& operator=(const StackReserve&) = delete;
+
+    private:
+        const char* saved;
     };
 }

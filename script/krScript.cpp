@@ -1,7 +1,6 @@
 // Loaded scripts: variables by the store rule, frames, functions, bindings, settings files.
 #include "script/krScript.h"
 
-#include <algorithm>
 #include <cstdio>
 
 #include "core/krHandles.h"
@@ -96,27 +95,17 @@ void krScript::pushFrame(krFrameLayout* layout) {
 
 void krScript::popFrame() {
     if (!top.layout) return;
-    const int32_t base = top.base;
+    // Releasing a value runs no script code, so the slots can go in place.
+    const auto base = static_cast<size_t>(top.base);
+    for (size_t i = slots.size(); i-- > base;)
+        if (slots[i]) slots[i]->release();
+    slots.resize(base);
     if (frames.empty()) {
         top = Frame{nullptr, 0, 0};
     } else {
         top = frames.back();
         frames.pop_back();
     }
-    // Values are released after the frame is gone: a release may run code (a destructor of a
-    // module that a value was the last to name) that must see a consistent stack.
-    krVariant* inline_[krFunction::maxInlineParams];
-    std::vector<krVariant*> heap;
-    const size_t count = slots.size() - static_cast<size_t>(base);
-    krVariant** dying = inline_;
-    if (count > krFunction::maxInlineParams) {
-        heap.resize(count);
-        dying = heap.data();
-    }
-    std::copy(slots.begin() + base, slots.end(), dying);
-    slots.resize(static_cast<size_t>(base));
-    for (size_t i = 0; i < count; ++i)
-        if (dying[i]) dying[i]->release();
 }
 
 void krScript::storeFrameValue(int32_t slot, krVariant* value) {
