@@ -21,7 +21,7 @@ bool leavesLoop(krScript* s) {
 bool holds(krBlock* cond) {
     krVariant* v = cond->eval();
     if (!v) return false;
-    const bool result = v->toBool();
+    const bool result = krTruth(v);
     v->release();
     return result;
 }
@@ -37,7 +37,7 @@ krVariant* krBIf::eval() {
         krVariant* v = cond->eval();
         // A condition without a value takes the true branch.
         if (v) {
-            const bool truth = v->toBool();
+            const bool truth = krTruth(v);
             v->release();
             if (!truth) return otherwise ? otherwise->eval() : nullptr;
         }
