@@ -1,20 +1,26 @@
-// Draws N boxes through the engine (module tree, walk, opaque queue with its shader sort, the
-// window's frame) and the same boxes in a bare OpenGL loop, and prints the frame times of both
-// and their ratio. The engine's boxes are a box item of this benchmark's own until mesh items
-// exist; it takes the path a mesh item takes: the walk enqueues a part, the queue draws it.
+// Draws N boxes through the engine and the same boxes in a bare OpenGL loop, and prints the frame
+// times of both and their ratio. The engine's boxes are scene objects made by genMeshBox, so they
+// take the whole way: object updates, the walk with its view test, mesh items entering the opaque
+// queue, the shader sort, each mesh shader's display list with its material state. The bare loop
+// gives each box a display list of the same geometry and state, as the engine does, and draws
+// them at the same matrices.
 //
-// Usage: kerrin_bench_draw [frames]   (under a display, e.g. xvfb-run -a kerrin_bench_draw)
+// Usage: kerrin_bench_draw [frames]   (under a display, e.g. xvfb-run -a kerrin_bench_draw; run it
+// where data.kr lies, as the build places it beside the program, for the boxes' textures)
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <vector>
 
 #include "core/krMain.h"
+#include "interface/krCameraFlying.h"
 #include "platform/krSystem.h"
 #include "platform/krWindowSystem.h"
-#include "render/krVideoItem.h"
+#include "render/krMeshShapes.h"
+#include "render/krObject.h"
 #include "render/krViewPort.h"
 #include "render/opengl/krGL.h"
+#include "render/opengl/krTextures_OGL.h"
 #include "render/opengl/krVideo_OGL.h"
 #include "render/opengl/krWindow_OGL.h"
 
@@ -23,71 +29,61 @@ constexpr int boxCounts[] = {100, 500, 1000, 2000, 4000, 8000};
 constexpr int warmUpFrames = 5;
 constexpr int defaultFrames = 40;
 constexpr int32_t windowWidth = 640, windowHeight = 480;
-// Boxes stand on a grid this many to a row, this far apart, in front of the default view.
-constexpr int gridRow = 100;
-constexpr float gridStep = 1.5f;
-// Some boxes share a program, some not: the queue has sorting to do.
-constexpr uintptr_t programKinds = 4;
+// Boxes stand on a grid of layers, this many to a row and rows to a layer, all inside the view
+// so that both sides draw every one of them (the engine's view test passes them all).
+constexpr int gridRow = 40;
+constexpr int gridRows = 20;
+constexpr float gridStep = 0.75f;
+constexpr float firstLayer = -20;
+const krVector3 boxSize(0.5f, 0.5f, 0.5f);
 
-// One display list of a unit box with normals, shared by both sides.
-GLuint makeBoxList() {
-    static const float faces[6][3] = {{1, 0, 0}, {-1, 0, 0}, {0, 1, 0}, {0, -1, 0}, {0, 0, 1}, {0, 0, -1}};
+krVector3 boxPosition(int i) {
+    const float x = static_cast<float>(i % gridRow - gridRow / 2) * gridStep;
+    const float y = static_cast<float>(i / gridRow % gridRows - gridRows / 2) * gridStep;
+    const float z = firstLayer - static_cast<float>(i / (gridRow * gridRows)) * 2 * gridStep;
+    return {x, y, z};
+}
+
+void setMaterialColor(GLenum which, const krColorF& c) { glMaterialfv(GL_FRONT_AND_BACK, which, &c.r); }
+
+// The box of genMeshBox as a hand-written renderer would hold it: one display list with its
+// material, its colour map (fixed-function drawing samples no other), and its geometry from
+// vertex arrays.
+GLuint makeBoxList(GLuint colorMap) {
+    krMesh mesh;
+    krMakeBoxMesh(mesh, boxSize);
+    const krMaterial& m = mesh.materials[0];
     const GLuint list = glGenLists(1);
     glNewList(list, GL_COMPILE);
-    glBegin(GL_QUADS);
-    for (const auto& n : faces) {
-        glNormal3fv(n);
-        // Two axes across the face, ordered so that the face winds counter-clockwise outward.
-        const int a = n[0] != 0 ? 1 : 0, b = n[2] != 0 ? 1 : 2;
-        const int normalAxis = n[0] != 0 ? 0 : n[1] != 0 ? 1 : 2;
-        const float s = n[0] + n[1] + n[2];
-        const float corners[4][2] = {{-0.5f, -0.5f}, {0.5f, -0.5f}, {0.5f, 0.5f}, {-0.5f, 0.5f}};
-        for (int i = 0; i < 4; ++i) {
-            const int k = s > 0 ? i : 3 - i;
-            float v[3];
-            v[normalAxis] = 0.5f * s;
-            v[a] = corners[k][0];
-            v[b] = corners[k][1];
-            glVertex3fv(v);
-        }
+    setMaterialColor(GL_AMBIENT, krColorF(m.ambient));
+    setMaterialColor(GL_DIFFUSE, krColorF(m.diffuse));
+    setMaterialColor(GL_EMISSION, lit(m.emission, 8));
+    glMaterialf(GL_FRONT_AND_BACK, GL_SHININESS, 0);
+    setMaterialColor(GL_SPECULAR, krColorF(0, 0, 0, 1));
+    glColor4f(1, 1, 1, 1);
+    if (colorMap) {
+        glEnable(GL_TEXTURE_2D);
+        glBindTexture(GL_TEXTURE_2D, colorMap);
     }
-    glEnd();
+    const krVertex* v = mesh.vertices;
+    glEnableClientState(GL_VERTEX_ARRAY);
+    glVertexPointer(3, GL_FLOAT, sizeof(krVertex), &v->position);
+    glEnableClientState(GL_NORMAL_ARRAY);
+    glNormalPointer(GL_FLOAT, sizeof(krVertex), &v->normal);
+    glEnableClientState(GL_COLOR_ARRAY);
+    glColorPointer(4, GL_UNSIGNED_BYTE, sizeof(krVertex), &v->color);
+    glEnableClientState(GL_TEXTURE_COORD_ARRAY);
+    glTexCoordPointer(2, GL_FLOAT, sizeof(krVertex), &v->u);
+    std::vector<uint16_t> indices(mesh.indices, mesh.indices + mesh.indexCount);
+    glDrawElements(GL_TRIANGLES, mesh.indexCount, GL_UNSIGNED_SHORT, indices.data());
+    glDisableClientState(GL_TEXTURE_COORD_ARRAY);
+    glDisableClientState(GL_COLOR_ARRAY);
+    glDisableClientState(GL_NORMAL_ARRAY);
+    glDisableClientState(GL_VERTEX_ARRAY);
+    glDisable(GL_TEXTURE_2D);
     glEndList();
     return list;
 }
-
-krMatrix boxMatrix(int i) {
-    const float x = static_cast<float>(i % gridRow - gridRow / 2) * gridStep;
-    const float y = static_cast<float>(i / gridRow % 10 - 5) * gridStep;
-    const float z = -20 - static_cast<float>(i / (gridRow * 10)) * gridStep;
-    return krMatrix::fromTranslation({x, y, z});
-}
-
-class BoxItem : public krVideoItem_OGL {
-public:
-    BoxItem(krModule* m, krVideo_OGL* v, GLuint boxList, uintptr_t program)
-        : krVideoItem_OGL(m, true, v), part(this, boxList) {
-        part.sortAs(reinterpret_cast<krShader_OGL*>(program));
-    }
-    void draw() override {
-        video->queueOpaque(&part);
-        video->addPolygons(12);
-    }
-
-private:
-    struct Part : krVideoItem_OGL {
-        Part(BoxItem* owner, GLuint l) : krVideoItem_OGL(owner->module, false, owner->video), list(l) {}
-        void sortAs(krShader_OGL* key) { shader = key; }
-        void draw() override {
-            glPushMatrix();
-            glMultMatrixf(module->getMatrix().m);
-            glCallList(list);
-            glPopMatrix();
-        }
-        GLuint list;
-    };
-    Part part;
-};
 
 double seconds(uint64_t from, uint64_t to) {
     return static_cast<double>(to - from) / static_cast<double>(krSystem::counterFrequency());
@@ -103,9 +99,13 @@ Stats stats(std::vector<double> ms) {
     return {ms[n / 2], ms[std::min(n - 1, static_cast<size_t>(0.95 * static_cast<double>(n)))]};
 }
 
-// The bare loop: the state the engine's scene sets for opaque items, the same matrices, grouped by
-// program as any renderer with programs draws them.
-void rawFrame(krNativeWindow* native, GLuint boxList, const std::vector<krMatrix>& matrices) {
+// The bare loop: the state the engine's scene sets for opaque items, the same view and matrices.
+struct RawBox {
+    krMatrix matrix;
+    GLuint list;
+};
+
+void rawFrame(krNativeWindow* native, const std::vector<RawBox>& boxes) {
     krGL::clearFrame(krColor(0, 0, 0, 255));
     glViewport(0, 0, windowWidth, windowHeight);
     glMatrixMode(GL_PROJECTION);
@@ -113,24 +113,23 @@ void rawFrame(krNativeWindow* native, GLuint boxList, const std::vector<krMatrix
     gluPerspective(60, static_cast<double>(windowWidth) / windowHeight, 0.1, 100);
     glMatrixMode(GL_MODELVIEW);
     glLoadIdentity();
+    gluLookAt(0, 0, 0, 0, 0, -1, 0, 1, 0);
     glEnable(GL_LIGHTING);
     glEnable(GL_CULL_FACE);
     glEnable(GL_DEPTH_TEST);
     glDepthFunc(GL_LEQUAL);
-    for (size_t kind = 0; kind < programKinds; ++kind) {
-        for (size_t i = kind; i < matrices.size(); i += programKinds) {
-            glPushMatrix();
-            glMultMatrixf(matrices[i].m);
-            glCallList(boxList);
-            glPopMatrix();
-        }
+    for (const RawBox& box : boxes) {
+        glPushMatrix();
+        glMultMatrixf(box.matrix.m);
+        glCallList(box.list);
+        glPopMatrix();
     }
     glDisable(GL_LIGHTING);
     glDisable(GL_CULL_FACE);
     glDisable(GL_DEPTH_TEST);
     krWindowSystem::swap(native);
 }
-}
+}  // namespace
 
 int main(int argc, char** argv) {
     const int frames = argc > 1 ? std::max(1, std::atoi(argv[1])) : defaultFrames;
@@ -146,26 +145,34 @@ int main(int argc, char** argv) {
     }
     krVideo_OGL* video = window->getVideo_OGL();
     krNativeWindow* native = window->getNative();
-    const GLuint boxList = makeBoxList();
+    // The same texture as the engine's boxes, or none where the engine has none either.
+    krTextures_OGL* textures = video->getTextures();
+    const GLuint colorMap = textures->load("textures/colormap.dds");
+    if (!colorMap) std::fprintf(stderr, "kerrin_bench_draw: no data.kr here, the boxes go untextured\n");
+    // Looks down -Z from the origin, as the bare loop does.
+    auto* camera = new krFlyingCamera(root);
+    camera->attach();
+
     std::printf("%-6s %12s %12s %12s %12s %8s\n", "boxes", "engine med", "engine p95", "raw med", "raw p95", "ratio");
     for (int count : boxCounts) {
-        auto* scene = new krModule(root);
+        auto* scene = new krModule(window);
         scene->attach();
         scene->setVisible(true);
-        std::vector<krMatrix> matrices;
+        std::vector<RawBox> raws;
         for (int i = 0; i < count; ++i) {
-            auto* box = new krModule(scene);
+            auto* box = new krObject(scene);
             box->attach();
             box->setVisible(true);
-            box->setMatrix(boxMatrix(i));
-            matrices.push_back(box->getMatrix());
-            new BoxItem(box, video, boxList, 64 * (1 + static_cast<uintptr_t>(i) % programKinds));
+            box->setPosition(boxPosition(i));
+            box->genMeshBox(boxSize);
+            raws.push_back({box->getMatrix(), makeBoxList(colorMap)});
         }
         auto* viewport = new krViewPort(video);
         viewport->attach();
         viewport->setVisible(true);
         viewport->setSize(0, 0, windowWidth, windowHeight);
         viewport->setModule(scene);
+        viewport->setCamera(camera);
 
         std::vector<double> engine, raw;
         for (int f = 0; f < warmUpFrames + frames; ++f) {
@@ -174,13 +181,16 @@ int main(int argc, char** argv) {
             window->update(0.01f);
             glFinish();
             uint64_t t1 = krSystem::counter();
-            rawFrame(native, boxList, matrices);
+            rawFrame(native, raws);
             glFinish();
             uint64_t t2 = krSystem::counter();
             if (f < warmUpFrames) continue;
             engine.push_back(seconds(t0, t1) * 1000);
             raw.push_back(seconds(t1, t2) * 1000);
         }
+        if (video->getPolyCount() != count * 12)
+            std::fprintf(stderr, "kerrin_bench_draw: the engine drew %d triangles, not %d\n", video->getPolyCount(),
+                         count * 12);
         const Stats e = stats(engine), r = stats(raw);
         std::printf("%-6d %9.3f ms %9.3f ms %9.3f ms %9.3f ms %8.3f\n", count, e.median, e.p95, r.median, r.p95,
                     e.median / r.median);
@@ -189,8 +199,9 @@ int main(int argc, char** argv) {
         viewport->release();
         scene->deinit();
         scene->release();
+        for (const RawBox& box : raws) glDeleteLists(box.list, 1);
     }
-    glDeleteLists(boxList, 1);
+    textures->release("textures/colormap.dds");
     root->deinit();
     root->release();
     return 0;

@@ -1,4 +1,5 @@
-// The OpenGL draw loop: scene set-up, the three queues, the 2D pass, motion blur.
+// The OpenGL draw loop: scene set-up, the three queues, the 2D pass, motion blur; the tables of
+// textures and shaders, and the mesh item factory.
 #include "render/opengl/krVideo_OGL.h"
 
 #include <algorithm>
@@ -6,10 +7,14 @@
 
 #include "interface/krCamera.h"
 #include "render/krLight.h"
+#include "render/krMesh.h"
 #include "render/krVideoItem.h"
 #include "render/krViewPort.h"
 #include "render/krWindow.h"
 #include "render/opengl/krGL.h"
+#include "render/opengl/krMeshItem_OGL.h"
+#include "render/opengl/krShaders_OGL.h"
+#include "render/opengl/krTextures_OGL.h"
 #include "script/krVariant.h"
 
 namespace {
@@ -31,7 +36,10 @@ float aspectOf(float width, float height) { return height != 0 ? width / height 
 }
 
 krVideo_OGL::krVideo_OGL(krModule* o)
-    : krVideo(o), glowQueue(glowQueueSize), alphaQueue(alphaQueueSize), opaqueQueue(opaqueQueueSize) {}
+    : krVideo(o), glowQueue(glowQueueSize), alphaQueue(alphaQueueSize), opaqueQueue(opaqueQueueSize) {
+    textures = new krTextures_OGL(this);
+    textures->attach();
+}
 
 krVideo_OGL::~krVideo_OGL() {
     if (query && krglDeleteQueriesARB) krglDeleteQueriesARB(1, &query);
@@ -41,7 +49,21 @@ krWindow* krVideo_OGL::window() const {
     return dynamic_cast<krWindow*>(owner);
 }
 
+void krVideo_OGL::removeChild(krModule* child) {
+    if (child == textures) textures = nullptr;
+    if (child == shaders) shaders = nullptr;
+    krVideo::removeChild(child);
+}
+
 bool krVideo_OGL::init() {
+    // Tables, filters and queries belong to the window's context; a script may init the video
+    // before there is one, and then only the children are set up.
+    if (!contextReady) return krVideo::init();
+    // Made once the window knows whether GLSL is there, since that decides the default shader.
+    if (!shaders) {
+        shaders = new krShaders_OGL(this);
+        shaders->attach();
+    }
     GLfloat maxAnisotropy = 0;
     if (krGL::hasExtension("GL_EXT_texture_filter_anisotropic"))
         glGetFloatv(GL_MAX_TEXTURE_MAX_ANISOTROPY_EXT, &maxAnisotropy);
@@ -64,7 +86,7 @@ bool krVideo_OGL::update(float dt) {
 
 bool krVideo_OGL::queueOpaque(krVideoItem_OGL* item) {
     if (opaqueCount >= opaqueQueueSize) return false;
-    opaqueQueue[static_cast<size_t>(opaqueCount)] = {item, opaqueCount};
+    opaqueQueue[static_cast<size_t>(opaqueCount)] = {item->getShader(), opaqueCount, item};
     ++opaqueCount;
     return true;
 }
@@ -83,13 +105,57 @@ bool krVideo_OGL::queueGlow(krVideoItem_OGL* item) {
 
 void krVideo_OGL::contextLost() {
     contextReady = false;
+    ++contextGeneration;
+    if (textures) textures->contextLost();
+    // The programs went with the context; the next init makes a table for the new one. Shaders
+    // that items still draw with stay alive, bound to no program.
+    if (krShaders_OGL* old = shaders) {
+        shaders = nullptr;
+        old->deinit();
+        old->release();
+    }
     query = 0;
     firstFrame = true;
     for (krViewPort* viewport : viewports) viewport->pixelCount = 0;
 }
 
 void krVideo_OGL::unbindShaders() {
-    if (glsl && krglUseProgramObjectARB) krglUseProgramObjectARB(0);
+    if (shaders) shaders->unbind();
+}
+
+krShader_OGL* krVideo_OGL::selectShader(int32_t flags, const std::string& name, bool skinned) {
+    if (!shaders) return nullptr;
+    if (!name.empty()) return shaders->get(name);
+    // Blended materials are never skinned on the graphics card.
+    const bool skin = skinned && hardwareSkinning && !(flags & krMaterialBlended);
+    const bool specular = flags & krMaterialSpecular;
+    // A specular map counts only on a specular material.
+    const int specularKind = !specular ? 0 : (flags & krMaterialSpecularMapped) ? 2 : 1;
+    const bool normal = flags & krMaterialNormalMapped;
+    // [normal map][none, specular, specular map][skinned]
+    static const char* const stock[2][3][2] = {
+        {{nullptr, "shaders/skin.shader"},
+         {"shaders/spec.shader", "shaders/spec_skin.shader"},
+         {"shaders/specmap.shader", "shaders/specmap_skin.shader"}},
+        {{"shaders/normal.shader", "shaders/normal_skin.shader"},
+         {"shaders/normal_spec.shader", "shaders/normal_spec_skin.shader"},
+         {"shaders/normal_specmap.shader", "shaders/normal_specmap_skin.shader"}},
+    };
+    const char* file = stock[normal][specularKind][skin];
+    return file ? shaders->get(file) : shaders->getDefaultShader();
+}
+
+krVideoItem* krVideo_OGL::createMeshItem(krModule* module, krMesh* mesh, int32_t) {
+    if (!mesh || mesh->vertexCount <= 0 || !mesh->vertices || !contextReady) return nullptr;
+    return new krMeshItem_OGL(module, this, *mesh);
+}
+
+krContextStamp::krContextStamp(krVideo_OGL* video)
+    : madeBy(video), videoHandle(video ? video->handle() : 0), generation(video ? video->getContextGeneration() : 0) {}
+
+krVideo_OGL* krContextStamp::current() const {
+    auto* video = dynamic_cast<krVideo_OGL*>(krScriptObject::fromHandle(videoHandle));
+    return video && video->contextReady && video->getContextGeneration() == generation ? video : nullptr;
 }
 
 void krVideo_OGL::setOverlayProjection(float width, float height) {
@@ -294,9 +360,7 @@ void krVideo_OGL::drawScene3D() {
 void krVideo_OGL::runOpaqueQueue() {
     // Grouped by shader so that each program is bound once.
     std::sort(opaqueQueue.begin(), opaqueQueue.begin() + opaqueCount, [](const OpaqueEntry& a, const OpaqueEntry& b) {
-        const krShader_OGL* sa = a.item->getShader();
-        const krShader_OGL* sb = b.item->getShader();
-        if (sa != sb) return std::less<const krShader_OGL*>()(sa, sb);
+        if (a.shader != b.shader) return std::less<const krShader_OGL*>()(a.shader, b.shader);
         return a.order < b.order;
     });
     for (int32_t i = 0; i < opaqueCount; ++i) opaqueQueue[static_cast<size_t>(i)].item->draw();

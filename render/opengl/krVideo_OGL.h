@@ -2,7 +2,8 @@
 // then run in a fixed order: opaque items grouped by shader, glows (drawn with an occlusion
 // query), transparent items from far to near; then the 2D pass draws the glows that were seen.
 // 2D viewports draw their items during the walk. The capability flags that the window finds
-// live here, for the whole renderer to read.
+// live here, for the whole renderer to read. The video owns the texture and shader tables and
+// turns meshes into items.
 #pragma once
 
 #include <vector>
@@ -10,6 +11,9 @@
 #include "core/krMatrix.h"
 #include "render/krVideo.h"
 
+class krShader_OGL;
+class krShaders_OGL;
+class krTextures_OGL;
 class krVideoItem_OGL;
 class krWindow;
 
@@ -29,10 +33,24 @@ public:
 
     krVariant* getMember(const std::string& name, krBlock* caller, const krArgs& args) override;
     void setMember(const std::string& name, krVariant* value) override;
+    // A table deleted by a script is no longer used.
+    void removeChild(krModule* child) override;
     bool init() override;
     bool update(float dt) override;
     void drawScene(float x, float y, float width, float height) override;
     void drawViewport() override;
+    // Null without vertices, or while there is no context to hand the geometry to.
+    krVideoItem* createMeshItem(krModule* module, krMesh* mesh, int32_t kind) override;
+
+    // The shader for a material: by its own shader name if it has one, else by the material
+    // flags, from the engine's stock shaders. Null without a shader table.
+    krShader_OGL* selectShader(int32_t flags, const std::string& name, bool skinned);
+    // Null once a script has deleted the table; the shader table is made by the first init
+    // with a context, and anew after a lost one.
+    krTextures_OGL* getTextures() const { return textures; }
+    krShaders_OGL* getShaders() const { return shaders; }
+    // Counts the contexts the video has lost: objects made in an earlier one are gone with it.
+    uint32_t getContextGeneration() const { return contextGeneration; }
 
     // Queue entry points for items during the walk; false when the queue is full.
     bool queueOpaque(krVideoItem_OGL* item);
@@ -65,7 +83,7 @@ public:
     int32_t getOptimizeSkinGroups() const { return optimizeSkinGroups; }
     uint32_t getQuery() const { return query; }
 
-    // Selects fixed-function drawing again after a shader program.
+    // Selects fixed-function drawing again after a shader program, through the shader table.
     void unbindShaders();
     // The window's context went away with everything made in it: nothing is drawn until a new
     // one stands, and what lived in the old one is made again at the next init.
@@ -90,10 +108,12 @@ private:
         krVideoItem_OGL* item;
     };
     // The walk's order rides along, so that items of one shader keep it: near things that the
-    // walk met first still draw first, and frames do not flicker between equal orders.
+    // walk met first still draw first, and frames do not flicker between equal orders. The shader
+    // is read once, when the item enters: the sort then stays within this array.
     struct OpaqueEntry {
-        krVideoItem_OGL* item;
+        const krShader_OGL* shader;
         int32_t order;
+        krVideoItem_OGL* item;
     };
 
     krWindow* window() const;
@@ -109,6 +129,9 @@ private:
 
     float timer = 0;
     krVector3 eyeCopy;
+    krShaders_OGL* shaders = nullptr;
+    krTextures_OGL* textures = nullptr;
+    uint32_t contextGeneration = 0;
     krMatrix projection{true};
     krMatrix modelView{true};
     krMatrix screenMatrix{true};
@@ -132,4 +155,25 @@ private:
     // OpenGL's light count, read at init: lights beyond it are not shown.
     int32_t maxLights = 0;
     int32_t enabledLights = 0;
+};
+
+// The video and the context an OpenGL object was made in. Names belong to their context: one
+// that went away (the window made anew, or gone) took its objects with it, and their names may
+// stand for new objects since. So an object is deleted, or bound, only while its stamp is current.
+class krContextStamp {
+public:
+    krContextStamp() = default;
+    explicit krContextStamp(krVideo_OGL* video);
+    // The video, while it lives and still draws in the same context; else null.
+    krVideo_OGL* current() const;
+    // The same for code that a live video calls, without the look-up.
+    bool isCurrentIn(const krVideo_OGL* video) const {
+        return video == madeBy && video->contextReady && video->getContextGeneration() == generation;
+    }
+
+private:
+    // Compared, never followed: only the handle says whether the video still lives.
+    const krVideo_OGL* madeBy = nullptr;
+    int32_t videoHandle = 0;
+    uint32_t generation = 0;
 };

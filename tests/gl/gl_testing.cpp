@@ -17,7 +17,10 @@ void observe(const char* event, const std::string& text) {
 }
 
 // No test may ever wait on a real box.
-void box(const std::string& text, const std::string&) { reports().boxes.push_back(text); }
+void box(const std::string& text, const std::string& title) {
+    reports().boxes.push_back(text);
+    reports().boxTitles.push_back(title);
+}
 
 void forwardToRoot(const std::string& text) {
     if (krMain* r = krMain::instance()) r->errorMsg(text);

@@ -23,11 +23,12 @@
 namespace glTesting {
 
 struct Reports {
-    std::vector<std::string> errors, infos, boxes;
-    bool hasError(const std::string& text) const {
-        for (const auto& e : errors)
-            if (e == text) return true;
-        return false;
+    std::vector<std::string> errors, infos, boxes, boxTitles;
+    bool hasError(const std::string& text) const { return errorCount(text) > 0; }
+    int errorCount(const std::string& text) const {
+        int n = 0;
+        for (const auto& e : errors) n += e == text;
+        return n;
     }
 };
 

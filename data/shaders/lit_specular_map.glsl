@@ -1,0 +1,25 @@
+// Fragment stage: as lit.glsl, with the highlight scaled by the specular map of unit 1.
+#version 120
+
+uniform sampler2D texture0;
+uniform sampler2D texture1;
+
+varying vec3 position;
+varying vec3 normal;
+
+void main()
+{
+    vec3 n = normalize(normal);
+    vec4 light = gl_LightSource[0].position;
+    vec3 l = normalize(light.xyz - position * light.w);
+    float diffuse = max(dot(n, l), 0.0);
+    vec3 h = normalize(l - normalize(position));
+    float specular = diffuse > 0.0 ? pow(max(dot(n, h), 0.0), max(gl_FrontMaterial.shininess, 1.0)) : 0.0;
+
+    vec4 texel = texture2D(texture0, gl_TexCoord[0].st);
+    vec3 shine = texture2D(texture1, gl_TexCoord[0].st).rgb;
+    vec4 lit = gl_FrontLightModelProduct.sceneColor + gl_FrontLightProduct[0].ambient
+             + gl_FrontLightProduct[0].diffuse * diffuse;
+    gl_FragColor = vec4(lit.rgb * texel.rgb + gl_FrontLightProduct[0].specular.rgb * shine * specular,
+                        gl_FrontMaterial.diffuse.a * texel.a);
+}

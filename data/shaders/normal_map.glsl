@@ -1,0 +1,34 @@
+// Fragment stage: as lit.glsl, with the surface normal bent by the normal map of unit 1. The map
+// holds tangent-space normals: red along the tangent (u growing), green towards the top of the
+// image, blue out of the surface.
+#version 120
+
+uniform sampler2D texture0;
+uniform sampler2D texture1;
+
+varying vec3 position;
+varying vec3 normal;
+varying vec3 tangent;
+
+void main()
+{
+    vec3 n = normalize(normal);
+    // Where the texture coordinates give no direction the surface stays flat.
+    vec3 t = tangent - n * dot(n, tangent);
+    if (dot(t, t) > 1e-8) {
+        t = normalize(t);
+        vec3 bump = texture2D(texture1, gl_TexCoord[0].st).xyz * 2.0 - 1.0;
+        n = normalize(t * bump.x + cross(n, t) * bump.y + n * bump.z);
+    }
+    vec4 light = gl_LightSource[0].position;
+    vec3 l = normalize(light.xyz - position * light.w);
+    float diffuse = max(dot(n, l), 0.0);
+    vec3 h = normalize(l - normalize(position));
+    float specular = diffuse > 0.0 ? pow(max(dot(n, h), 0.0), max(gl_FrontMaterial.shininess, 1.0)) : 0.0;
+
+    vec4 texel = texture2D(texture0, gl_TexCoord[0].st);
+    vec4 lit = gl_FrontLightModelProduct.sceneColor + gl_FrontLightProduct[0].ambient
+             + gl_FrontLightProduct[0].diffuse * diffuse;
+    gl_FragColor = vec4(lit.rgb * texel.rgb + gl_FrontLightProduct[0].specular.rgb * specular,
+                        gl_FrontMaterial.diffuse.a * texel.a);
+}
