@@ -128,6 +128,11 @@ void krModule::setOwner(krModule* newOwner) {
     video = owner->video;
 }
 
+void krModule::forgetVideo(krVideo* gone) {
+    if (video == gone) video = nullptr;
+    for (krModule* child : children) child->forgetVideo(gone);
+}
+
 krVector3 krModule::getVelocityAt(const krVector3& point) {
     return owner ? owner->getVelocityAt(point) : krVector3();
 }

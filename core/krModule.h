@@ -42,6 +42,9 @@ public:
     virtual krSkeleton* getSkeleton() { return nullptr; }
     virtual krVector3 getVelocityAt(const krVector3& point);
 
+    // A video that goes away takes itself out of every module of this subtree that drew through it.
+    void forgetVideo(krVideo* gone);
+
     krModule* getOwner() const { return owner; }
     krVideo* getVideo() const { return video; }
     const std::vector<krModule*>& getChildren() const { return children; }

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/krMain.h"
 #include "interface/krCamera.h"
 #include "render/krLight.h"
 #include "render/krVideoItem.h"
@@ -16,9 +17,10 @@ krVideo::krVideo(krModule* o) : krModule(o) {
 }
 
 krVideo::~krVideo() {
-    // Lights and viewports that outlive the video must not reach back into it.
+    // Lights, viewports and modules that outlive the video must not reach back into it.
     for (krLight* light : lights) light->listedIn = nullptr;
     for (krViewPort* viewport : viewports) viewport->listedIn = nullptr;
+    if (krMain* root = krMain::instance()) root->forgetVideo(this);
 }
 
 void krVideo::deinit() {
@@ -91,14 +93,15 @@ void krVideo::drawScene(float, float, float width, float height) {
     krViewPort* viewport = currentViewPort;
     krModule* root = viewport ? viewport->getModule() : nullptr;
     if (!root || !owner || !owner->isVisible()) return;
-    if (krCamera* camera = currentCamera) {
-        eye = camera->getPosition();
-        viewDirection = (camera->getTarget() - eye) * camera->getDistance();
-        viewEnd = eye + viewDirection;
-        const float t = std::tan(camera->getFov() * krDegToRad * 0.5f);
-        const float across = height != 0 ? t * width / height : t;
-        viewCone = std::sqrt(t * t + across * across);
-    }
+    // Without a camera the scene is seen from the origin down -Z, as it is drawn; culling must
+    // look the same way.
+    krCamera* camera = currentCamera;
+    eye = camera ? camera->getPosition() : krVector3();
+    viewDirection = camera ? (camera->getTarget() - eye) * camera->getDistance() : krVector3(0, 0, -defaultFarPlane);
+    viewEnd = eye + viewDirection;
+    const float t = std::tan((camera ? camera->getFov() : defaultFieldOfView) * krDegToRad * 0.5f);
+    const float across = height != 0 ? t * width / height : t;
+    viewCone = std::sqrt(t * t + across * across);
     if (root->isVisible() && root->isInView()) drawModule(root);
 }
 

@@ -19,6 +19,10 @@ struct krTextData;
 
 class krVideo : public krModule {
 public:
+    // A viewport without a camera looks down -Z from the origin with these.
+    static constexpr float defaultFieldOfView = 60;
+    static constexpr float defaultFarPlane = 100;
+
     explicit krVideo(krModule* owner);
     ~krVideo() override;
     const char* className() const override { return "krVideo"; }

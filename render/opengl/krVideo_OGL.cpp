@@ -18,9 +18,6 @@
 #include "script/krVariant.h"
 
 namespace {
-// A viewport without a camera looks down -Z from the origin with these.
-constexpr float defaultFov = 60;
-constexpr float defaultFar = 100;
 // Ambient light of the scene, on top of each light's own.
 constexpr float sceneAmbient[4] = {0.8f, 0.8f, 0.8f, 1};
 // Points shrink with distance by 1 / (a + b d + c d^2).
@@ -239,8 +236,8 @@ void krVideo_OGL::drawScene(float x, float y, float width, float height) {
 
     glMatrixMode(GL_PROJECTION);
     glLoadIdentity();
-    gluPerspective(camera ? camera->getFov() : defaultFov, aspectOf(width, height), nearPlane,
-                   camera ? camera->getDistance() : defaultFar);
+    gluPerspective(camera ? camera->getFov() : defaultFieldOfView, aspectOf(width, height), nearPlane,
+                   camera ? camera->getDistance() : defaultFarPlane);
 
     glDisable(GL_ALPHA_TEST);
     glAlphaFunc(GL_GREATER, overlayAlphaRef);
