@@ -46,6 +46,7 @@ int main(int argc, char** argv) {
 
     host->deinit();
     root->deinit();
+    krModule::releaseOrphans();
     host->release();
     root->release();
     return exitCode;

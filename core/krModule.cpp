@@ -8,6 +8,34 @@
 #include "script/krVBound.h"
 #include "script/krVObject.h"
 
+namespace {
+std::vector<krModule*>& orphans() {
+    static std::vector<krModule*> list;
+    return list;
+}
+
+void forgetOrphan(krModule* module) {
+    auto& list = orphans();
+    auto it = std::find(list.begin(), list.end(), module);
+    if (it != list.end()) list.erase(it);
+}
+}
+
+void krModule::adoptOrphan(krModule* module) {
+    if (!module->owner && std::find(orphans().begin(), orphans().end(), module) == orphans().end())
+        orphans().push_back(module);
+}
+
+void krModule::releaseOrphans() {
+    auto& list = orphans();
+    while (!list.empty()) {
+        krModule* module = list.back();
+        list.pop_back();
+        module->deinit();
+        module->release();
+    }
+}
+
 krModule::krModule(krModule* o) : owner(o) {
     if (owner) video = owner->video;
 }
@@ -66,6 +94,8 @@ void krModule::deinit() {
     if (owner) {
         owner->removeChild(this);
         owner = nullptr;
+    } else {
+        forgetOrphan(this);
     }
     if (tag) {
         krVariant* old = tag;
@@ -119,9 +149,11 @@ void krModule::setOwner(krModule* newOwner) {
     for (krModule* m = newOwner; m; m = m->owner)
         if (m == this) return;
     if (owner) owner->removeChild(this);
+    else forgetOrphan(this);
     owner = newOwner;
     if (!owner) {
         video = nullptr;
+        adoptOrphan(this);
         return;
     }
     owner->addChild(this);

@@ -45,6 +45,13 @@ public:
     // A video that goes away takes itself out of every module of this subtree that drew through it.
     void forgetVideo(krVideo* gone);
 
+    // Modules that scripts make without an owner, or take out of their owner, belong to no child
+    // list; the reference a child list would hold is kept here instead, so that they are torn
+    // down with the rest at the end.
+    static void adoptOrphan(krModule* module);
+    // Tears down every module without an owner, last adopted first.
+    static void releaseOrphans();
+
     krModule* getOwner() const { return owner; }
     krVideo* getVideo() const { return video; }
     const std::vector<krModule*>& getChildren() const { return children; }

@@ -20,5 +20,7 @@ bool krFactory::owner(krBlock* caller, const krArgs& args, size_t index, krModul
 
 krVariant* krFactory::attachAndReturn(krModule* module) {
     module->attach();
+    // Made without an owner: kept apart until it gets one or the engine ends.
+    if (!module->getOwner()) krModule::adoptOrphan(module);
     return new krVObject(module);
 }

@@ -58,6 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     delete script;
 
     main->clear();
+    krModule::releaseOrphans();
     krSymbols::clear();
     krParser::releaseShared();
     krLibrary::closeFiles();

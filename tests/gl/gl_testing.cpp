@@ -134,6 +134,7 @@ void Window::SetUp() {
 void Window::TearDown() {
     host->deinit();
     root->deinit();
+    krModule::releaseOrphans();
     host->release();
     root->release();
     krScriptErrors::setErrorHandler(krScriptErrors::defaultHandler());

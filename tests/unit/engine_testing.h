@@ -93,6 +93,7 @@ protected:
         for (krScript* s : scripts) delete s;
         host->deinit();
         root->deinit();
+        krModule::releaseOrphans();
         host->release();
         root->release();
         krScriptErrors::setErrorHandler(krScriptErrors::defaultHandler());

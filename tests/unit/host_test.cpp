@@ -58,6 +58,7 @@ TEST(Host, TeardownLeavesNoValuesAndNoBlocks) {
         EXPECT_TRUE(root->update(0.01f));
         host->deinit();
         root->deinit();
+        krModule::releaseOrphans();
         host->release();
         root->release();
     }
