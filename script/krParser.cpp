@@ -67,9 +67,10 @@ private:
     };
 
     void skip();
-    // Reports name the file of the block being built and the line the cursor is on.
+    // Reports name the file of the block being built and the line the cursor is on. Once the
+    // text is abandoned for its depth, the levels that unwind have nothing more to say.
     void report(krBlock* where, const std::string& message) {
-        reportErrorAt(where ? where->getScript() : nullptr, line, message);
+        if (!abandoned) reportErrorAt(where ? where->getScript() : nullptr, line, message);
     }
     void expected(krBlock* where, const char* what) {
         report(where, std::string(what) + " expected, but " + charText(*p) + " found");
