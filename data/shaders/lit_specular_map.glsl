@@ -20,6 +20,8 @@ void main()
     vec3 shine = texture2D(texture1, gl_TexCoord[0].st).rgb;
     vec4 lit = gl_FrontLightModelProduct.sceneColor + gl_FrontLightProduct[0].ambient
              + gl_FrontLightProduct[0].diffuse * diffuse;
-    gl_FragColor = vec4(lit.rgb * texel.rgb + gl_FrontLightProduct[0].specular.rgb * shine * specular,
-                        gl_FrontMaterial.diffuse.a * texel.a);
+    vec3 color = lit.rgb * texel.rgb + gl_FrontLightProduct[0].specular.rgb * shine * specular;
+    // Linear fog as fixed-function drawing has it; the video keeps the density at 0 while fog is off.
+    float fog = gl_Fog.density > 0.0 ? clamp((gl_Fog.end - gl_FogFragCoord) * gl_Fog.scale, 0.0, 1.0) : 1.0;
+    gl_FragColor = vec4(mix(gl_Fog.color.rgb, color, fog), gl_FrontMaterial.diffuse.a * texel.a);
 }

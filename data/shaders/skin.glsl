@@ -19,5 +19,6 @@ void main()
     position = eye.xyz;
     normal = gl_NormalMatrix * (mat3(skin) * gl_Normal);
     gl_TexCoord[0] = gl_MultiTexCoord0;
+    gl_FogFragCoord = abs(position.z);
     gl_Position = gl_ProjectionMatrix * eye;
 }

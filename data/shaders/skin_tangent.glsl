@@ -19,5 +19,6 @@ void main()
     normal = gl_NormalMatrix * (mat3(skin) * gl_Normal);
     tangent = gl_NormalMatrix * (mat3(skin) * gl_MultiTexCoord1.xyz);
     gl_TexCoord[0] = gl_MultiTexCoord0;
+    gl_FogFragCoord = abs(position.z);
     gl_Position = gl_ProjectionMatrix * eye;
 }

@@ -11,5 +11,6 @@ void main()
     normal = gl_NormalMatrix * gl_Normal;
     gl_TexCoord[0] = gl_MultiTexCoord0;
     // The same depth as fixed-function drawing, so that both kinds of object meet cleanly.
+    gl_FogFragCoord = abs(position.z);
     gl_Position = ftransform();
 }

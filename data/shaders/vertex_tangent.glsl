@@ -12,5 +12,6 @@ void main()
     normal = gl_NormalMatrix * gl_Normal;
     tangent = gl_NormalMatrix * gl_MultiTexCoord1.xyz;
     gl_TexCoord[0] = gl_MultiTexCoord0;
+    gl_FogFragCoord = abs(position.z);
     gl_Position = ftransform();
 }

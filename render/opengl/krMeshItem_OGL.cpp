@@ -147,6 +147,10 @@ void krMeshItem_OGL::build(krMesh& mesh) {
             ids[i][static_cast<size_t>(unit)] = table->load(name);
             textureNames.push_back(name);
         }
+        // A program reads black from an empty unit, where fixed-function drawing would show the
+        // material's colour.
+        if (table && !ids[i][0] && shader && shader->programmable() && shader->samples(0))
+            ids[i][0] = table->getBlankTexture();
     }
 
     // Second pass: each object's list takes state, geometry and restore state of its materials.

@@ -22,6 +22,7 @@ public:
     // Samplers, eye and timer go with a change of program; the matrix goes with every object.
     void bind(krModule* module, bool changed) override;
     void unbind() override;
+    bool programmable() const override { return program != 0; }
 
     uint32_t program = 0;
     uint32_t vertexShader = 0;

@@ -42,6 +42,8 @@ public:
     virtual void bind(krModule*, bool) {}
     virtual void unbind() {}
     virtual void setBones(krSkeleton*, const int32_t*, int32_t) {}
+    // Whether binding runs a program of its own rather than fixed-function drawing.
+    virtual bool programmable() const { return false; }
 
     bool wants(int32_t attribute) const { return (attributes & attribute) != 0; }
     bool samples(int32_t unit) const { return (textures >> unit & 1) != 0; }

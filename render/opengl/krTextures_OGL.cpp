@@ -11,6 +11,7 @@ krTextures_OGL::krTextures_OGL(krModule* o) : krModule(o) {}
 
 krTextures_OGL::~krTextures_OGL() {
     for (const auto& [name, entry] : entries) glDeleteTextures(1, &entry.texture);
+    if (blankTexture) glDeleteTextures(1, &blankTexture);
 }
 
 bool krTextures_OGL::init() {
@@ -89,6 +90,18 @@ void krTextures_OGL::release(const std::string& name) {
     entries.erase(it);
 }
 
+uint32_t krTextures_OGL::getBlankTexture() {
+    if (blankTexture) return blankTexture;
+    const GLubyte white[4] = {255, 255, 255, 255};
+    glGenTextures(1, &blankTexture);
+    glBindTexture(GL_TEXTURE_2D, blankTexture);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 1, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE, white);
+    glBindTexture(GL_TEXTURE_2D, 0);
+    return blankTexture;
+}
+
 int32_t krTextures_OGL::useCount(const std::string& name) const {
     auto it = entries.find(name);
     return it == entries.end() ? 0 : it->second.count;
@@ -97,6 +110,7 @@ int32_t krTextures_OGL::useCount(const std::string& name) const {
 void krTextures_OGL::contextLost() {
     entries.clear();
     defaultTexture = 0;
+    blankTexture = 0;
 }
 
 void krTextures_OGL::setOwner(krModule*) {}

@@ -31,6 +31,10 @@ public:
     void release(const std::string& name);
     // 0 when the fallback itself could not be loaded: failing textures then draw untextured.
     uint32_t getDefaultTexture() const { return defaultTexture; }
+    // A white texel: what a program samples in the diffuse unit of an untextured material, so
+    // that the material shows its own colour there as it does in fixed-function drawing. Made on
+    // first request in the current context.
+    uint32_t getBlankTexture();
     // Loads of a name not yet released; 0 when it is not in the table.
     int32_t useCount(const std::string& name) const;
 
@@ -46,4 +50,5 @@ private:
 
     std::map<std::string, Entry> entries;
     uint32_t defaultTexture = 0;
+    uint32_t blankTexture = 0;
 };

@@ -286,6 +286,10 @@ void krVideo_OGL::drawScene(float x, float y, float width, float height) {
         glFogf(GL_FOG_END, fogEnd);
         glFogfv(GL_FOG_COLOR, color);
         glEnable(GL_FOG);
+    } else {
+        // The stock GLSL programs cannot see whether fog is enabled; a density of 0 tells them,
+        // and linear fog itself never reads it.
+        glFogf(GL_FOG_DENSITY, 0);
     }
     glEnable(GL_CULL_FACE);
     glEnable(GL_DEPTH_TEST);
@@ -348,6 +352,7 @@ void krVideo_OGL::drawScene3D() {
     glDisable(GL_COLOR_MATERIAL);
     glDisable(GL_LIGHTING);
     glDisable(GL_FOG);
+    glFogf(GL_FOG_DENSITY, 0);
 
     filterGlows();
     unbindShaders();

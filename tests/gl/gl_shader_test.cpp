@@ -263,6 +263,71 @@ TEST_F(GLShaders, TheStockNormalMapBendsTheLightAlongTheTangents) {
     EXPECT_TRUE(reports().boxes.empty());
 }
 
+TEST_F(GLShaders, TheStockProgramsFogAsFixedFunctionDrawingDoes) {
+    files.write("t/white.dds", solidTexture(0xFFFFFFFF));
+    files.write("t/flat.dds", solidTexture(0xFF8080FF));
+    ASSERT_TRUE(openScene());
+    auto* light = new krLight(video);
+    light->attach();
+    light->position = krVector3(0, 0, 100);
+    light->ambient = krColorF(0, 0, 0, 1);
+    light->specular = krColorF(0, 0, 0, 1);
+    // The plain lit program (specular) and the normal-mapped one.
+    for (int32_t flags : {int32_t(krMaterialSpecular), int32_t(krMaterialNormalMapped)}) {
+        MeshMaker m;
+        krMaterial& material = m.material(0, 255, flags);
+        material.ambient = krColor(0, 0, 0, 255);
+        material.diffuse = krColor(255, 255, 255, 255);
+        material.specular = krColor(0, 0, 0, 255);
+        material.emission = krColor(0, 0, 0, 255);
+        material.textures[krTextureDiffuse] = "t/white.dds";
+        material.textures[krTextureNormal] = "t/flat.dds";
+        m.square({}, 4);
+        krObject* o = object(m, {0, 0, -5});
+        video->fogEnabled = false;
+        ASSERT_TRUE(frame());
+        const int clear = static_cast<int>(glTesting::red(pixel(32, 24)));
+        EXPECT_GT(clear, 200) << flags;
+        // Halfway into blue fog.
+        video->fogEnabled = true;
+        video->fogColor = krColorF(0, 0, 1, 1);
+        video->fogStart = 0;
+        video->fogEnd = 10;
+        ASSERT_TRUE(frame());
+        const uint32_t p = pixel(32, 24);
+        EXPECT_LE(near(glTesting::red(p), clear / 2), 3) << flags << " " << std::hex << p;
+        EXPECT_LE(near(glTesting::blue(p), (clear + 255) / 2), 3) << flags << " " << std::hex << p;
+        // Fog off again leaves the programs unfogged.
+        video->fogEnabled = false;
+        ASSERT_TRUE(frame());
+        EXPECT_LE(near(glTesting::red(pixel(32, 24)), clear), 1) << flags;
+        remove(o);
+    }
+    EXPECT_TRUE(reports().boxes.empty());
+}
+
+TEST_F(GLShaders, AnUntexturedMaterialShowsItsColourThroughTheStockPrograms) {
+    ASSERT_TRUE(openScene());
+    auto* light = new krLight(video);
+    light->attach();
+    light->position = krVector3(0, 0, 100);
+    light->ambient = krColorF(0, 0, 0, 1);
+    light->specular = krColorF(0, 0, 0, 1);
+    MeshMaker m;
+    krMaterial& material = m.material(0, 255, krMaterialSpecular);
+    material.ambient = krColor(0, 0, 0, 255);
+    material.diffuse = krColor(0, 255, 0, 255);
+    material.specular = krColor(0, 0, 0, 255);
+    material.emission = krColor(0, 0, 0, 255);
+    m.square({}, 4);
+    object(m, {0, 0, -5});
+    ASSERT_TRUE(frame());
+    const uint32_t p = pixel(32, 24);
+    EXPECT_GT(glTesting::green(p), 200u) << std::hex << p;
+    EXPECT_LT(glTesting::red(p), 60u) << std::hex << p;
+    EXPECT_TRUE(reports().boxes.empty());
+}
+
 TEST_F(GLShaders, ShadersDeletedFromUnderTheirObjectsStayUsable) {
     files.write("t/white.dds", solidTexture(0xFFFFFFFF));
     ASSERT_TRUE(openScene());
