@@ -19,6 +19,13 @@ void forwardToRoot(const std::string& text) {
 }
 }
 
+void krLibrary::registerAll() {
+    registerLanguage();
+    krScriptErrors::setErrorHandler(forwardToRoot);
+    registerHost();
+    registerConstants();
+}
+
 krScripting::krScripting(krModule* o) : krModule(o) { host = this; }
 
 krScripting::~krScripting() {
@@ -57,10 +64,7 @@ krScript* krScripting::makeScript(const std::string& name) {
 
 bool krScripting::init() {
     std::srand(static_cast<unsigned>(std::time(nullptr)));
-    krLibrary::registerLanguage();
-    krScriptErrors::setErrorHandler(forwardToRoot);
-    krLibrary::registerHost();
-    krLibrary::registerConstants();
+    krLibrary::registerAll();
 
     krMain* root = krMain::instance();
     const std::string first = root ? firstScriptName(root->getArgc(), root->getArgv()) : "init.script";

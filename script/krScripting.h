@@ -58,6 +58,9 @@ namespace krLibrary {
     void registerHost();
     // The constant tables (GLOBALS, MAIN, colours, flags, ...).
     void registerConstants();
+    // All of the above, with script errors reported through the root's errorMsg: what a running
+    // engine has.
+    void registerAll();
     // Forgets open files; called when the library is released.
     void closeFiles();
 }

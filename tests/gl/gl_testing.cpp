@@ -22,10 +22,6 @@ void box(const std::string& text, const std::string& title) {
     reports().boxTitles.push_back(title);
 }
 
-void forwardToRoot(const std::string& text) {
-    if (krMain* r = krMain::instance()) r->errorMsg(text);
-}
-
 char programName[] = "kerrin_gl_tests";
 char* programArgs[] = {programName, nullptr};
 }
@@ -118,10 +114,7 @@ void Window::SetUp() {
     root->attach();
     host = new krScripting(root);
     host->attach();
-    krLibrary::registerLanguage();
-    krScriptErrors::setErrorHandler(forwardToRoot);
-    krLibrary::registerHost();
-    krLibrary::registerConstants();
+    krLibrary::registerAll();
     window = new RecordingWindow(root);
     window->attach();
     window->setFullscreen(false);

@@ -29,10 +29,6 @@ inline void observe(const char* event, const std::string& text) {
     if (std::string(event) == "errorMsg") reports().push_back(text);
 }
 
-inline void forwardToRoot(const std::string& text) {
-    if (krMain* root = krMain::instance()) root->errorMsg(text);
-}
-
 // Writes a file, with the folders it needs; the index does not see it before it is built again.
 inline void writeFile(const std::string& path, const std::string& content) {
     const std::filesystem::path p(path);
@@ -83,10 +79,7 @@ protected:
         root->attach();
         host = new krScripting(root);
         host->attach();
-        krLibrary::registerLanguage();
-        krScriptErrors::setErrorHandler(forwardToRoot);
-        krLibrary::registerHost();
-        krLibrary::registerConstants();
+        krLibrary::registerAll();
     }
 
     void TearDown() override {
