@@ -1,7 +1,7 @@
 // The root module: report channels, frame limit, and the guard around the frame's update.
 #include "core/krMain.h"
 
-#include <stdexcept>
+#include <exception>
 
 #include "script/krVBound.h"
 
@@ -34,7 +34,7 @@ bool krMain::update(float dt) {
     } catch (const std::exception& e) {
         // Whatever escaped the tree reaches the scripts' handlers first, then stops the process.
         errorMsg(e.what());
-        throw std::runtime_error(e.what());
+        throw std::exception();
     }
 }
 

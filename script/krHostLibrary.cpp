@@ -157,7 +157,7 @@ krVariant* clock(krBlock*, const krArgs& args) {
         date.tm_min = args[1]->toInt();
         date.tm_sec = args[2]->toInt();
         date.tm_mday = args[3]->toInt();
-        date.tm_mon = args[4]->toInt() - 1;
+        date.tm_mon = args[4]->toInt();
         date.tm_year = args[5]->toInt() - 1900;
         date.tm_isdst = -1;
         start = static_cast<int32_t>(std::mktime(&date));
