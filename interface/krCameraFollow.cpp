@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "render/krObject.h"
 #include "script/krVBound.h"
 #include "script/krVObject.h"
 
@@ -17,7 +18,7 @@ krModule* krFollowCamera::getFollowed() const {
     return dynamic_cast<krModule*>(krScriptObject::fromHandle(targetHandle));
 }
 
-void krFollowCamera::setFollowed(krModule* target) {
+void krFollowCamera::setFollowed(krObject* target) {
     targetHandle = target ? target->handle() : 0;
 }
 
@@ -71,7 +72,8 @@ krVariant* krFollowCamera::getMember(const std::string& name, krBlock* caller, c
 
 void krFollowCamera::setMember(const std::string& name, krVariant* value) {
     if (name == "target") {
-        setFollowed(dynamic_cast<krModule*>(krScriptObject::fromHandle(value->toInt())));
+        // A value that names no scene object clears the target.
+        setFollowed(dynamic_cast<krObject*>(krScriptObject::fromHandle(value->toInt())));
     } else if (name == "x") {
         offset.x = value->toFloat();
     } else if (name == "y") {

@@ -6,6 +6,8 @@
 
 #include "interface/krCamera.h"
 
+class krObject;
+
 class krFollowCamera : public krCamera {
 public:
     explicit krFollowCamera(krModule* owner) : krCamera(owner) {}
@@ -21,8 +23,8 @@ public:
 
     // Null when none is set or it has gone.
     krModule* getFollowed() const;
-    // Any module may be followed; null or a value that names no module clears the target.
-    void setFollowed(krModule* target);
+    // Scene objects are followed; null clears the target.
+    void setFollowed(krObject* target);
     const krQuat& getView() const { return view; }
 
 protected:

@@ -124,8 +124,8 @@ void krWindow::setMember(const std::string& name, krVariant* value) {
     } else if (name == "title") {
         setTitle(value->toString());
     } else if (name == "inputTarget") {
-        krInputObject* target;
-        if (scriptTarget(nullptr, value, target)) setInputTarget(target);
+        // Anything that is no input target counts as null: the list chooses again.
+        setInputTarget(dynamic_cast<krInputObject*>(krScriptObject::fromHandle(value->toInt())));
     } else if (name == "waitMessages") {
         setWaitMessages(value->toBool());
     } else if (name == "mouseCapture") {

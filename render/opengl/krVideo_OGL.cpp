@@ -262,6 +262,8 @@ void krVideo_OGL::drawScene(float x, float y, float width, float height) {
     glEnable(GL_LIGHTING);
     glMatrixMode(GL_MODELVIEW);
     glLoadIdentity();
+    // Without a camera the model view stays the identity: the eye is at the origin.
+    eyeCopy = krVector3();
     if (camera) {
         const krVector3 p = camera->getPosition(), t = camera->getTarget(), u = camera->getUp();
         gluLookAt(p.x, p.y, p.z, t.x, t.y, t.z, u.x, u.y, u.z);

@@ -6,6 +6,7 @@
 
 #include "interface/krCameraFlying.h"
 #include "interface/krCameraFollow.h"
+#include "render/krObject.h"
 #include "script/krVObject.h"
 
 namespace {
@@ -103,7 +104,7 @@ TEST_F(Cameras, FloatingCameraConvergesAtItsRate) {
 
 TEST_F(Cameras, FloatingCameraSmoothnessLimitsAndLocks) {
     auto* cam = make<krFloatingCamera>();
-    auto* target = make<krModule>();
+    auto* target = make<krObject>();
     target->setMatrix(krMatrix::fromQuatTranslation(krQuat::fromAxisAngle(0.6f, krVector3::axisY), {0, 0, 0}));
     setObject(cam, "target", target);
     setFloat(cam, "smoothness", 0);
@@ -123,7 +124,7 @@ TEST_F(Cameras, FloatingCameraSmoothnessLimitsAndLocks) {
 
 TEST_F(Cameras, LockVerticalKeepsOnlyTheHeading) {
     auto* cam = make<krFloatingCamera>();
-    auto* target = make<krModule>();
+    auto* target = make<krObject>();
     // Heading a quarter turn left, then banked and pitched.
     const krQuat pose = multiply(multiply(krQuat::fromAxisAngle(0.4f, krVector3::axisZ),
                                           krQuat::fromAxisAngle(0.3f, krVector3::axisX)),
@@ -159,7 +160,7 @@ TEST_F(Cameras, LookbackTurnsHalfAndCutStays) {
 
 TEST_F(Cameras, FixedCameraIsRigidlyTied) {
     auto* cam = make<krFixedCamera>();
-    auto* target = make<krModule>();
+    auto* target = make<krObject>();
     setObject(cam, "target", target);
     krArgs pivot{new krVFloat(0), new krVFloat(1), new krVFloat(0)};
     krArgs offset{new krVFloat(0), new krVFloat(0), new krVFloat(5)};
@@ -178,9 +179,9 @@ TEST_F(Cameras, FixedCameraIsRigidlyTied) {
     for (krVariant* v : offset) v->release();
 }
 
-TEST_F(Cameras, TargetsThatGoAwayOrAreNoModules) {
+TEST_F(Cameras, TargetsThatGoAwayOrAreNoSceneObjects) {
     auto* cam = make<krFloatingCamera>();
-    auto* target = make<krModule>();
+    auto* target = make<krObject>();
     target->setMatrix(krMatrix::fromTranslation({3, 0, 0}));
     setObject(cam, "target", target);
     krArgs pivot{new krVFloat(1), new krVFloat(2), new krVFloat(3)};
@@ -197,6 +198,12 @@ TEST_F(Cameras, TargetsThatGoAwayOrAreNoModules) {
     krVariant* number = new krVInt(12345);
     cam->setMember("target", number);
     number->release();
+    EXPECT_EQ(cam->getFollowed(), nullptr);
+    // Only scene objects are followed: any other module clears the target.
+    auto* other = make<krObject>();
+    setObject(cam, "target", other);
+    EXPECT_EQ(cam->getFollowed(), other);
+    setObject(cam, "target", make<krModule>());
     EXPECT_EQ(cam->getFollowed(), nullptr);
     // Methods with the wrong number of arguments do nothing.
     krArgs two{pivot[0], pivot[1]};
