@@ -69,7 +69,7 @@ krVariant* krMultiBlock::runBlocks() {
 krVariant* krMultiBlock::eval() { return runBlocks(); }
 
 krBConst::krBConst(krBlock* p, krVariant* v, bool freeze) : krBlock(p), value(v) {
-    if (freeze) value->freeze();
+    if (freeze && value) value->freeze();
 }
 
 void krBConst::assign(krVariant* v) {

@@ -78,12 +78,15 @@ class krBConst : public krBlock {
 public:
     // Takes over the reference of `v` and, unless told otherwise, freezes it: a constant never
     // changes. The arguments of a macro stay live values of their caller and are not frozen.
+    // A null `v` is the folded result of an expression that gave no value: it still stands as a
+    // statement or argument, and gives null.
     krBConst(krBlock* parent, krVariant* v, bool freeze = true);
-    ~krBConst() override { value->release(); }
-    krVariant* eval() override { return value->addRef(); }
+    ~krBConst() override {
+        if (value) value->release();
+    }
+    krVariant* eval() override { return value ? value->addRef() : nullptr; }
     void assign(krVariant* v) override;
-    bool isConst() override { return value->isConst(); }
-    krVariant* getValue() const { return value; }
+    bool isConst() override { return !value || value->isConst(); }
 
 private:
     krVariant* value;

@@ -188,7 +188,6 @@ krBlock* Parser::fold(krBlock* node) {
     krBlock* parent = node->getParent();
     const int32_t at = node->getLine();
     delete node;
-    if (!value) return nullptr;
     auto* folded = new krBConst(parent, value);
     folded->setLine(at);
     return folded;
