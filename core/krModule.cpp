@@ -31,8 +31,7 @@ void krModule::releaseOrphans() {
     while (!list.empty()) {
         krModule* module = list.back();
         list.pop_back();
-        module->deinit();
-        module->release();
+        module->dispose();
     }
 }
 
@@ -56,7 +55,20 @@ void krModule::removeChild(krModule* child) {
 }
 
 void krModule::attach() {
+    tornDown = false;
     if (owner) owner->addChild(this);
+}
+
+bool krModule::beginTeardown() {
+    if (tornDown) return false;
+    tornDown = true;
+    return true;
+}
+
+void krModule::dispose() {
+    if (!beginTeardown()) return;
+    deinit();
+    release();
 }
 
 bool krModule::init() {
@@ -138,6 +150,14 @@ void krModule::clear() {
     // against the present size.
     while (!children.empty()) {
         krModule* child = children.back();
+        if (!child->beginTeardown()) {
+            // Its own teardown runs further up the stack and lets go of this list's reference;
+            // here it only leaves the tree, which is going.
+            children.pop_back();
+            child->owner = nullptr;
+            childrenChanged();
+            continue;
+        }
         child->deinit();
         if (!children.empty() && children.back() == child) children.pop_back();
         child->release();
@@ -145,6 +165,8 @@ void krModule::clear() {
 }
 
 void krModule::setOwner(krModule* newOwner) {
+    // A module on its way out holds no place a tree could take over.
+    if (tornDown) return;
     // A module cannot move below itself: the tree would become a cycle.
     for (krModule* m = newOwner; m; m = m->owner)
         if (m == this) return;

@@ -42,6 +42,12 @@ public:
     virtual krSkeleton* getSkeleton() { return nullptr; }
     virtual krVector3 getVelocityAt(const krVector3& point);
 
+    // Tears the module down and lets go of the reference its place in the tree held: the
+    // `delete` of scripts. Once a teardown has begun, further requests do nothing, since
+    // handlers of "delete" and frames further up may ask again and only the first may release.
+    void dispose();
+    bool isTornDown() const { return tornDown; }
+
     // A video that goes away takes itself out of every module of this subtree that drew through it.
     void forgetVideo(krVideo* gone);
 
@@ -72,4 +78,10 @@ protected:
     bool visible = false;
     bool audible = false;
     bool enabled = true;
+
+private:
+    // Marks the teardown begun; false when it had begun already.
+    bool beginTeardown();
+    // Set from the start of a teardown until the module is attached again.
+    bool tornDown = false;
 };

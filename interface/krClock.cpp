@@ -9,8 +9,7 @@ krTimerClock::krTimerClock(krModule* o, float i) : krModule(o), interval(i), rem
 
 krVariant* krTimerClock::getMember(const std::string& name, krBlock* caller, const krArgs& args) {
     if (name == "cancel" && args.empty()) {
-        deinit();
-        release();
+        dispose();
         return nullptr;
     }
     if (name == "restart" && args.empty()) {
@@ -29,10 +28,9 @@ bool krTimerClock::update(float dt) {
     if (goOn) {
         // Growing by the interval keeps the period on average, even across a long frame.
         remaining += interval;
-    } else if (getOwner()) {
-        // A handler may have cancelled the timer already; then it has no owner any more.
-        deinit();
-        release();
+    } else {
+        // A handler may have cancelled the timer already; then this does nothing.
+        dispose();
     }
     return true;
 }

@@ -30,8 +30,7 @@ krVariant* deleteObject(krBlock* caller, const krArgs& args) {
         // The root and the host carry the whole engine; they go only at teardown.
         if (module == krMain::instance() || module == krScripting::instance())
             return reportError(caller, "The engine's own modules cannot be deleted");
-        module->deinit();
-        module->release();
+        module->dispose();
     }
     args[0]->reset();
     return nullptr;
