@@ -131,8 +131,7 @@ krShader_OGL* krShaders_OGL::load(const std::string& name) {
     shader->textures = textures;
     shader->parameters = parameters;
     if (!shader->compile(vertexFile.data, fragmentFile.data, script.get())) {
-        shader->deinit();
-        shader->release();
+        shader->dispose();
         return nullptr;
     }
     return shader;

@@ -108,8 +108,7 @@ void krVideo_OGL::contextLost() {
     // that items still draw with stay alive, bound to no program.
     if (krShaders_OGL* old = shaders) {
         shaders = nullptr;
-        old->deinit();
-        old->release();
+        old->dispose();
     }
     query = 0;
     firstFrame = true;
