@@ -46,7 +46,6 @@ public:
     // `delete` of scripts. Once a teardown has begun, further requests do nothing, since
     // handlers of "delete" and frames further up may ask again and only the first may release.
     void dispose();
-    bool isTornDown() const { return tornDown; }
 
     // A video that goes away takes itself out of every module of this subtree that drew through it.
     void forgetVideo(krVideo* gone);
