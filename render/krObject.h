@@ -17,6 +17,7 @@
 class krMeshReader;
 class krScript;
 struct krChunk;
+struct krClassInfo;
 struct krMaterial;
 struct krMesh;
 
@@ -25,6 +26,8 @@ public:
     explicit krObject(krModule* owner);
     ~krObject() override;
     const char* className() const override { return "krObject"; }
+    // Its members and events, for the reference.
+    static const krClassInfo info;
 
     krVariant* getMember(const std::string& name, krBlock* caller, const krArgs& args) override;
     void setMember(const std::string& name, krVariant* value) override;

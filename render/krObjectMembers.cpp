@@ -3,10 +3,46 @@
 #include "render/krObject.h"
 
 #include "render/krMeshShapes.h"
+#include "script/krClassInfo.h"
 #include "script/krBlock.h"
 #include "script/krVArray.h"
 #include "script/krVBound.h"
 #include "script/krVObject.h"
+
+namespace {
+
+const krMemberInfo objectMembers[] = {
+    {"loadFromFile", krCall, "(file, scale?)", "loads the object's tree from a mesh file; scale 0 keeps the file's size"},
+    {"setPosition", krCall, "(x, y, z)", "position relative to the owner"},
+    {"setOrientation", krCall, "(angle, x, y, z)", "turns to angle radians about a non-zero axis"},
+    {"genMeshBox", krCall, "(width, height, depth)", "a box mesh around the origin"},
+    {"genMeshEllipsoid", krCall, "(width, height, depth, segments)", "an ellipsoid mesh of 4 to 1024 segments"},
+    {"getObject", krCall, "(name)", "the first object of that name in the subtree, or null"},
+    {"containObject", krCall, "(object)", "grows the bounds to hold a child object"},
+    {"restoreTransform", krCall, "()", "back to the pose the load left"},
+    {"objects", krRead, "array", "the child objects"},
+    {"x", krRead | krWrite, "float", "position relative to the owner"},
+    {"y", krRead | krWrite, "float", "position relative to the owner"},
+    {"z", krRead | krWrite, "float", "position relative to the owner"},
+    {"script", krRead, "script", "the companion script of the loaded file"},
+    {"sortAlpha", krRead | krWrite, "bool", "draw transparent parts sorted far to near"},
+    {"name", krRead | krWrite, "string", "found by getObject"},
+    {"radius", krRead | krWrite, "float", "bounding sphere, for culling and collision"},
+    {"minDrawDistance", krRead | krWrite, "float", "nearer than this the object is not drawn"},
+    {"maxDrawDistance", krRead | krWrite, "float", "further than this the object is not drawn"},
+};
+
+const krEventInfo objectEvents[] = {
+    {"loaded", "()", "the load of the object's file has ended"},
+    {"loading", "(fraction)", "progress of a load, on the object that started it"},
+    {"subObj_", "()", "completed by a sub-object's name: may return an object to use in its place"},
+    {"loaded_", "(object)", "completed by a sub-object's name: that sub-object is loaded"},
+    {"material_", "(shader, texture, surface)", "completed by a material's name: may change how it is drawn"},
+};
+
+}  // namespace
+
+const krClassInfo krObject::info = {"krObject", "krObjectContainer", "new_object", objectMembers, objectEvents};
 
 namespace {
 

@@ -1,16 +1,12 @@
 // The engine's side of the script library: scripts loading scripts, object deletion, colours,
-// clocks, the factories of the core, and the constant tables that every script sees.
+// clocks, the factory of plain modules, and the constants of the core that every script sees.
 #include <cstdio>
 #include <ctime>
 
 #include "core/krColor.h"
 #include "core/krFile.h"
 #include "core/krMain.h"
-#include "interface/krCameraClasses.h"
-#include "interface/krClock.h"
 #include "platform/krSystem.h"
-#include "render/krVideoClasses.h"
-#include "render/krObjectClasses.h"
 #include "script/krFactory.h"
 #include "script/krParser.h"
 #include "script/krScript.h"
@@ -139,36 +135,7 @@ krVariant* sleep(krBlock*, const krArgs& args) {
     return nullptr;
 }
 
-krVariant* timer(krBlock*, const krArgs& args) {
-    if (args.size() != 1) return nullptr;
-    return krFactory::attachAndReturn(new krTimerClock(krMain::instance(), args[0]->toFloat()));
-}
-
-krVariant* clock(krBlock*, const krArgs& args) {
-    int32_t start;
-    if (args.empty()) {
-        start = 0;
-    } else if (args.size() == 1) {
-        start = args[0]->toInt();
-    } else if (args.size() == 6) {
-        std::tm date{};
-        date.tm_hour = args[0]->toInt();
-        date.tm_min = args[1]->toInt();
-        date.tm_sec = args[2]->toInt();
-        date.tm_mday = args[3]->toInt();
-        date.tm_mon = args[4]->toInt();
-        date.tm_year = args[5]->toInt() - 1900;
-        date.tm_isdst = -1;
-        start = static_cast<int32_t>(std::mktime(&date));
-    } else {
-        return nullptr;
-    }
-    return krFactory::attachAndReturn(new krClock(krMain::instance(), start));
-}
-
 krVariant* currentTime(krBlock*, const krArgs&) { return new krVInt(static_cast<int32_t>(std::time(nullptr))); }
-
-void add(const char* name, int32_t value) { krSymbols::addConstant(name, new krVInt(value)); }
 
 } // namespace
 
@@ -185,83 +152,18 @@ void krLibrary::registerHost() {
     krSymbols::addFunction("quit", quit, 0);
     krSymbols::addFunction("script", script, 0);
     krSymbols::addFunction("sleep", sleep, 0);
-    krSymbols::addFunction("timer", timer, 0);
-    krSymbols::addFunction("clock", clock, 0);
     krSymbols::addFunction("current_time", currentTime, 0);
     krSymbols::addFunction("new_module", krMakeModule<krModule>, 0);
-    krRegisterVideoClasses();
-    krRegisterCameraClasses();
-    krRegisterSceneClasses();
 }
 
 void krLibrary::registerConstants() {
     krSymbols::addConstant("GLOBALS", new krVMutableArray());
     krSymbols::addConstant("MAIN", new krVObject(krMain::instance()));
-    add("OPENGL", 1);
-    add("X", 1);
-    add("Y", 2);
-    add("Z", 4);
-    add("NONE", 0);
-    add("BOX", 1);
-    add("SPHERE", 2);
-    add("MESH", 3);
-    add("GLSL", 1);
-    add("CG", 2);
-
+    krSymbols::addInt("X", 1);
+    krSymbols::addInt("Y", 2);
+    krSymbols::addInt("Z", 4);
     for (int i = 0; i < krNamedColorCount; ++i) {
         const krNamedColor& c = krNamedColors[i];
-        add(c.name, static_cast<int32_t>(toPacked(krColor(c.r, c.g, c.b, 255))));
+        krSymbols::addInt(c.name, static_cast<int32_t>(toPacked(krColor(c.r, c.g, c.b, 255))));
     }
-
-    // Vertex attributes and shader inputs, combined with "|".
-    add("POSITION", 0x1000000);
-    add("NORMAL", 0x2000000);
-    for (int i = 0; i < 8; ++i) add(("TEXCOORD" + std::to_string(i)).c_str(), 0x100 << i);
-    add("TANGENT", 0x10000);
-    add("POINTSIZE", 0x20000);
-    for (int i = 0; i <= 8; ++i) add(("WEIGHTx" + std::to_string(i)).c_str(), i);
-    for (int i = 0; i <= 4; ++i) add(("INDEXx" + std::to_string(i)).c_str(), 16 * i);
-    for (int i = 0; i < 8; ++i) add(("TEXTURE" + std::to_string(i)).c_str(), 1 << i);
-    for (int bones : {0, 2, 4, 8, 12, 16, 20, 24, 28, 32, 40, 48, 56, 64, 80, 96, 128, 160, 192, 255})
-        add(("BONEx" + std::to_string(bones)).c_str(), bones);
-    add("MATRIX", 256);
-    add("EYEPOS", 512);
-    add("SHADER_TIMER", 1024);
-
-    // Animation flags.
-    add("SELECT_RANDOM0", 0x10000);
-    add("SELECT_RANDOM1", 0x20000);
-    add("START_BEGINNING", 0x40000);
-    add("ADDITIVE_BLEND", 0x10000);
-    add("DONT_LOOP", 0x20000);
-
-    // Human animation tracks and states, numbered from 1.
-    const char* humanTracks[] = {
-        "HUMAN_STAND", "HUMAN_ACCELERATE", "HUMAN_WALK", "HUMAN_RUN", "HUMAN_BEGIN_STANDING_JUMP",
-        "HUMAN_BEGIN_FORWARD_JUMP", "HUMAN_BEGIN_MOVING_JUMP", "HUMAN_STANDING_JUMP", "HUMAN_FORWARD_JUMP",
-        "HUMAN_MOVING_JUMP", "HUMAN_END_STANDING_JUMP", "HUMAN_END_FORWARD_JUMP", "HUMAN_END_MOVING_JUMP",
-        "HUMAN_EYES_OPEN", "HUMAN_EYES_CLOSED", "HUMAN_WALK_LEFT", "HUMAN_WALK_RIGHT", "HUMAN_FALLDOWN",
-        "HUMAN_RAISEUP"};
-    int32_t track = 1;
-    for (const char* name : humanTracks) add(name, track++);
-    add("TRACK_WALKSPEED", 1);
-    add("STATUS_NORMAL", 2);
-    add("STATUS_HAPPY", 4);
-    add("STATUS_ANGRY", 8);
-
-    struct Flag {
-        const char* name;
-        int32_t value;
-    };
-    const Flag flags[] = {
-        {"CAR_STEER", 1}, {"CAR_BRAKE", 2}, {"CAR_ACCELERATE", 4}, {"CAR_HANDBRAKE", 8},
-        {"AIRPLANE_STEER", 1}, {"AIRPLANE_BRAKE", 2},
-        {"BLEND_ALPHA", 1}, {"BLEND_ADDITIVE", 2}, {"BLEND_ADDITIVE_ALPHA", 4},
-        {"DAMAGE_BULLET", 1}, {"DAMAGE_COLLISION", 2},
-        {"BORDER_TOP", 1}, {"BORDER_BOTTOM", 2}, {"BORDER_LEFT", 4}, {"BORDER_RIGHT", 8},
-        {"ALIGN_TOP", 1}, {"ALIGN_MIDDLE", 2}, {"ALIGN_BOTTOM", 4}, {"ALIGN_LEFT", 8}, {"ALIGN_CENTER", 16},
-        {"ALIGN_RIGHT", 32},
-        {"PHYSIC_NONE", 0}, {"PHYSIC_DEFAULT", 1}, {"PHYSIC_WATER", 2},
-    };
-    for (const Flag& f : flags) add(f.name, f.value);
 }

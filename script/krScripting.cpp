@@ -64,7 +64,6 @@ krScript* krScripting::makeScript(const std::string& name) {
 
 bool krScripting::init() {
     std::srand(static_cast<unsigned>(std::time(nullptr)));
-    krLibrary::registerAll();
 
     krMain* root = krMain::instance();
     const std::string first = root ? firstScriptName(root->getArgc(), root->getArgv()) : "init.script";

@@ -50,16 +50,16 @@ private:
     bool closing = false;
 };
 
-// Registration of the script library, in the order the host runs it.
+// Registration of the script library's own part, in the order the host runs it. Each subsystem
+// adds its factories, class tables and constants after it (krProgram).
 namespace krLibrary {
     // The language's own functions and constants (print, eval, macro, file functions, ...).
     void registerLanguage();
-    // The engine's functions (load, run, include, delete, timer, ...) and factories.
+    // The host's functions (load, run, include, delete, ...) and new_module.
     void registerHost();
-    // The constant tables (GLOBALS, MAIN, colours, flags, ...).
+    // The constants of the core: GLOBALS, MAIN, the axes and the named colours.
     void registerConstants();
-    // All of the above, with script errors reported through the root's errorMsg: what a running
-    // engine has.
+    // All of the above, with script errors reported through the root's errorMsg.
     void registerAll();
     // Forgets open files; called when the library is released.
     void closeFiles();

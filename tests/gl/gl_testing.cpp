@@ -1,7 +1,7 @@
 // The window test harness.
 #include "gl_testing.h"
 
-#include "script/krSymbols.h"
+#include "krProgram.h"
 
 namespace glTesting {
 
@@ -110,11 +110,9 @@ void Window::SetUp() {
     krSystem::clearQuit();
     krSystem::setMessageBoxHook(box);
     krMain::setReportObserver(observe);
-    root = new krMain(1, programArgs);
-    root->attach();
-    host = new krScripting(root);
-    host->attach();
-    krLibrary::registerAll();
+    krProgram::start(1, programArgs);
+    root = krProgram::root();
+    host = krProgram::host();
     window = new RecordingWindow(root);
     window->attach();
     window->setFullscreen(false);
@@ -125,11 +123,7 @@ void Window::SetUp() {
 }
 
 void Window::TearDown() {
-    host->deinit();
-    root->deinit();
-    krModule::releaseOrphans();
-    host->release();
-    root->release();
+    krProgram::stop();
     krScriptErrors::setErrorHandler(krScriptErrors::defaultHandler());
     krMain::setReportObserver(nullptr);
     krSystem::setMessageBoxHook(nullptr);

@@ -13,6 +13,7 @@
 
 #include "core/krFileIndex.h"
 #include "core/krMain.h"
+#include "krProgram.h"
 #include "script/krBlock.h"
 #include "script/krScript.h"
 #include "script/krScripting.h"
@@ -75,20 +76,14 @@ protected:
         scratch = new ScratchDir("kerrin-engine");
         reports().clear();
         krMain::setReportObserver(observe);
-        root = new krMain(0, nullptr);
-        root->attach();
-        host = new krScripting(root);
-        host->attach();
-        krLibrary::registerAll();
+        krProgram::start(0, nullptr);
+        root = krProgram::root();
+        host = krProgram::host();
     }
 
     void TearDown() override {
         for (krScript* s : scripts) delete s;
-        host->deinit();
-        root->deinit();
-        krModule::releaseOrphans();
-        host->release();
-        root->release();
+        krProgram::stop();
         krScriptErrors::setErrorHandler(krScriptErrors::defaultHandler());
         krMain::setReportObserver(nullptr);
         delete scratch;

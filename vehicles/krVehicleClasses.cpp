@@ -1,0 +1,29 @@
+// What scripts can make and name of the vehicles subsystem: factories, class tables, constants.
+#include "vehicles/krVehicleClasses.h"
+
+#include "script/krSymbols.h"
+
+void krRegisterVehicleClasses() {
+    using krSymbols::addInt;
+    // Human animation tracks and states, numbered from 1.
+    const char* humanTracks[] = {
+        "HUMAN_STAND", "HUMAN_ACCELERATE", "HUMAN_WALK", "HUMAN_RUN", "HUMAN_BEGIN_STANDING_JUMP",
+        "HUMAN_BEGIN_FORWARD_JUMP", "HUMAN_BEGIN_MOVING_JUMP", "HUMAN_STANDING_JUMP", "HUMAN_FORWARD_JUMP",
+        "HUMAN_MOVING_JUMP", "HUMAN_END_STANDING_JUMP", "HUMAN_END_FORWARD_JUMP", "HUMAN_END_MOVING_JUMP",
+        "HUMAN_EYES_OPEN", "HUMAN_EYES_CLOSED", "HUMAN_WALK_LEFT", "HUMAN_WALK_RIGHT", "HUMAN_FALLDOWN",
+        "HUMAN_RAISEUP"};
+    int32_t track = 1;
+    for (const char* name : humanTracks) addInt(name, track++);
+    addInt("TRACK_WALKSPEED", 1);
+    addInt("STATUS_NORMAL", 2);
+    addInt("STATUS_HAPPY", 4);
+    addInt("STATUS_ANGRY", 8);
+
+    // Bits of the control class of a vehicle's control record.
+    addInt("CAR_STEER", 1);
+    addInt("CAR_BRAKE", 2);
+    addInt("CAR_ACCELERATE", 4);
+    addInt("CAR_HANDBRAKE", 8);
+    addInt("AIRPLANE_STEER", 1);
+    addInt("AIRPLANE_BRAKE", 2);
+}
