@@ -1,8 +1,67 @@
-// The kerrin executable: starts the engine, runs the first script and the frames, and stops.
+// The kerrin executable: reads the command line, then starts the engine, runs the first script and
+// the frames, and stops.
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <string>
+
+#include "core/krFileIndex.h"
+#include "core/krVersion.h"
 #include "krProgram.h"
+#include "krReference.h"
+#include "script/krScripting.h"
+
+namespace {
+
+// Exit code of a command line that names no first script that exists.
+constexpr int usageExitCode = 2;
+
+const char usage[] =
+    "usage: kerrin [-i first.script]\n"
+    "       kerrin --help | --version | --reference\n";
+
+const char help[] =
+    "Kerrin runs a game made of scripts and assets in the working directory.\n"
+    "\n"
+    "  kerrin                  runs init.script of the working directory\n"
+    "  kerrin -i name.script   runs that script first instead\n"
+    "  kerrin --version        prints the version\n"
+    "  kerrin --reference      prints every script function, constant and class as Markdown\n"
+    "  kerrin --help           prints this\n"
+    "\n"
+    "Run it from the game's folder: scripts name files relative to the working directory.\n"
+    "Messages of the engine go to the script event MAIN.errorMsg; errors no handler takes are\n"
+    "written to standard error.\n";
+
+}  // namespace
 
 int main(int argc, char** argv) {
+    if (argc == 2 && std::strcmp(argv[1], "--help") == 0) {
+        std::fputs(usage, stdout);
+        std::fputs("\n", stdout);
+        std::fputs(help, stdout);
+        return 0;
+    }
+    if (argc == 2 && std::strcmp(argv[1], "--version") == 0) {
+        std::printf("kerrin %s\n", krVersion);
+        return 0;
+    }
+
     krProgram::start(argc, argv);
+    if (argc == 2 && std::strcmp(argv[1], "--reference") == 0) {
+        std::fputs(krReference::markdown().c_str(), stdout);
+        krProgram::stop();
+        return 0;
+    }
+    // Without its first script the engine would run on with nothing to do.
+    const std::string first = krScripting::firstScriptName(argc, argv);
+    if (!krFileIndex::find(first)) {
+        std::error_code error;
+        std::fprintf(stderr, "kerrin: no first script: \"%s\" is not in %s\n%s", first.c_str(),
+                     std::filesystem::current_path(error).c_str(), usage);
+        krProgram::stop();
+        return usageExitCode;
+    }
     const int exitCode = krProgram::run();
     krProgram::stop();
     return exitCode;

@@ -9,6 +9,8 @@ public:
     krMain(int argc, char** argv);
     ~krMain() override;
 
+    static const krClassInfo info;
+
     // The one root of the process; valid from its construction to its destruction.
     static krMain* instance() { return root; }
 

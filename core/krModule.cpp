@@ -3,12 +3,39 @@
 
 #include <algorithm>
 
-#include "render/krVideoItem.h"
+#include "core/krModuleItem.h"
+#include "script/krClassInfo.h"
 #include "script/krVArray.h"
 #include "script/krVBound.h"
 #include "script/krVObject.h"
 
 namespace {
+
+const krMemberInfo moduleMembers[] = {
+    {"init", krCall, "()", "initialises the module and its children; false when one refused"},
+    {"clear", krCall, "()", "tears down every child"},
+    {"visible", krRead | krWrite, "bool", "drawn, with its subtree"},
+    {"audible", krRead | krWrite, "bool", "heard, with its subtree"},
+    {"enabled", krRead | krWrite, "bool", "updated each frame, with its subtree"},
+    {"tag", krRead | krWrite, "any", "a free value for scripts"},
+    {"owner", krRead | krWrite, "object", "the module this one hangs below; writing moves it"},
+    {"show", krCall, "()", "visible = true"},
+    {"hide", krCall, "()", "visible = false"},
+    {"enable", krCall, "()", "enabled = true"},
+    {"disable", krCall, "()", "enabled = false"},
+    {"moveToFirst", krCall, "()", "first among its owner's children: updated last"},
+    {"moveToLast", krCall, "()", "last among its owner's children: updated first"},
+    {"class", krRead, "string", "the name of the most derived class"},
+    {"count", krRead, "int", "the number of children"},
+    {"child", krCall, "(index)", "the child at that index, or null"},
+    {"children", krRead, "array", "the children in order"},
+    {"videoitems", krRead, "array", "the class names of the module's video items"},
+};
+
+const krEventInfo moduleEvents[] = {
+    {"delete", "()", "the module is being torn down, its subtree still whole"},
+};
+
 std::vector<krModule*>& orphans() {
     static std::vector<krModule*> list;
     return list;
@@ -20,6 +47,9 @@ void forgetOrphan(krModule* module) {
     if (it != list.end()) list.erase(it);
 }
 }
+
+const krClassInfo krModule::info = {"krModule", "krScriptObject", "new_module", moduleMembers, moduleEvents,
+                                    "a node of the object tree: everything that lives in the engine is one"};
 
 void krModule::adoptOrphan(krModule* module) {
     if (!module->owner && std::find(orphans().begin(), orphans().end(), module) == orphans().end())
@@ -139,7 +169,7 @@ void krModule::moveToLast() {
 void krModule::clearItems() {
     // An item takes itself off the list when destroyed.
     while (!videoItems.empty()) {
-        krVideoItem* item = videoItems.back();
+        krModuleItem* item = videoItems.back();
         delete item;
         if (!videoItems.empty() && videoItems.back() == item) videoItems.pop_back();
     }
@@ -240,7 +270,7 @@ krVariant* krModule::getMember(const std::string& name, krBlock* caller, const k
     }
     if (name == "videoitems") {
         auto* list = new krVArray();
-        for (krVideoItem* item : videoItems) list->append(new krVString(item->className()));
+        for (krModuleItem* item : videoItems) list->append(new krVString(item->className()));
         return list;
     }
     return krScriptObject::getMember(name, caller, args);

@@ -8,14 +8,16 @@
 #include "core/krScriptObject.h"
 #include "core/krVector3.h"
 
+class krModuleItem;
 class krVideo;
-class krVideoItem;
 class krSkeleton;
 
 class krModule : public krScriptObject {
 public:
     explicit krModule(krModule* owner);
     ~krModule() override;
+
+    static const krClassInfo info;
 
     krVariant* getMember(const std::string& name, krBlock* caller, const krArgs& args) override;
     void setMember(const std::string& name, krVariant* value) override;
@@ -60,7 +62,8 @@ public:
     krModule* getOwner() const { return owner; }
     krVideo* getVideo() const { return video; }
     const std::vector<krModule*>& getChildren() const { return children; }
-    std::list<krVideoItem*>& getVideoItems() { return videoItems; }
+    // The module's video items (render/krVideoItem.h), which add and remove themselves.
+    std::list<krModuleItem*>& getVideoItems() { return videoItems; }
     const krMatrix& getMatrix() const { return matrix; }
     bool isVisible() const { return visible; }
     bool isAudible() const { return audible; }
@@ -72,7 +75,7 @@ protected:
     krVideo* video = nullptr;
     krModule* owner = nullptr;
     std::vector<krModule*> children;
-    std::list<krVideoItem*> videoItems;
+    std::list<krModuleItem*> videoItems;
     krMatrix matrix{true};
     bool visible = false;
     bool audible = false;

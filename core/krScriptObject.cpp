@@ -2,11 +2,17 @@
 #include "core/krScriptObject.h"
 
 #include "core/krHandles.h"
+#include "script/krClassInfo.h"
 #include "script/krFunction.h"
 #include "script/krScript.h"
 #include "script/krVObject.h"
 
 const krArgs krScriptObject::noArgs;
+
+// Nothing of its own: every name reaches the end of the ladder here and fires the event of that
+// name, which is how scripts give objects methods.
+const krClassInfo krScriptObject::info = {"krScriptObject", nullptr, nullptr, {}, {},
+                                          "the end of every ladder: an unknown member fires the event of its name"};
 
 namespace {
 // Handlers of one event are copied before they run; a few fit on the stack.

@@ -11,6 +11,7 @@
 class krVariant;
 class krBlock;
 class krFunction;
+struct krClassInfo;
 
 // Arguments of a member call or event: borrowed values, never null.
 using krArgs = std::vector<krVariant*>;
@@ -21,6 +22,8 @@ public:
     krScriptObject(const krScriptObject&) = delete;
     krScriptObject& operator=(const krScriptObject&) = delete;
     virtual ~krScriptObject();
+
+    static const krClassInfo info;
 
     krScriptObject* addRef() { ++refCount; return this; }
     // Drops one reference; destroys the object at 0 and then returns true.
@@ -39,6 +42,7 @@ public:
     virtual const char* className() const { return "krScriptObject"; }
 
     bool hasEvents() const { return !events.empty(); }
+    bool hasEvent(const std::string& name) const { return events.count(name) > 0; }
 
     // The 32-bit handle that stands for this object in script ints; made on first use.
     int32_t handle();

@@ -11,6 +11,7 @@ class krCamera : public krModule {
 public:
     explicit krCamera(krModule* owner) : krModule(owner) {}
     const char* className() const override { return "krCamera"; }
+    static const krClassInfo info;
 
     virtual krVector3 getPosition() = 0;
     virtual krVector3 getTarget() = 0;

@@ -1,14 +1,31 @@
 // The flying camera: keys move it along its own axes, mouse moves turn it.
 #include "interface/krCameraFlying.h"
 
+#include "script/krClassInfo.h"
 #include "script/krVBound.h"
 
 namespace {
+
+const krMemberInfo cameraMembers[] = {
+    {"setPosition", krCall, "(x, y, z)", "where it stands"},
+    {"setOrientation", krCall, "(angle, x, y, z)", "turns to angle radians about the axis"},
+    {"x", krRead | krWrite, "float", "position"},
+    {"y", krRead | krWrite, "float", "position"},
+    {"z", krRead | krWrite, "float", "position"},
+    {"speed", krRead | krWrite, "float", "metres a second while a move key is held; Shift makes it four times"},
+    {"distance", krRead | krWrite, "float", "the far plane"},
+    {"fov", krRead | krWrite, "float", "field of view in degrees"},
+};
+
 // Shift makes a fast camera for crossing a big scene.
 constexpr float shiftFactor = 4;
 // Radians of turn per window width of mouse travel.
 constexpr float mouseTurn = 2;
 }
+
+const krClassInfo krFlyingCamera::info = {"krFlyingCamera", "krCamera", "new_flyingCamera", cameraMembers, {},
+                                          "a free camera: arrows or W, A, S, D move it and the captured mouse turns it "
+                                          "while it is the window's input target"};
 
 bool krFlyingCamera::update(float dt) {
     const float step = dt * speed * (isHeld(krKeyShift) ? shiftFactor : 1);

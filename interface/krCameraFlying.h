@@ -9,6 +9,7 @@ class krFlyingCamera : public krCamera, public krBufferedInput {
 public:
     explicit krFlyingCamera(krModule* owner) : krCamera(owner) {}
     const char* className() const override { return "krFlyingCamera"; }
+    static const krClassInfo info;
 
     krVariant* getMember(const std::string& name, krBlock* caller, const krArgs& args) override;
     void setMember(const std::string& name, krVariant* value) override;

@@ -4,15 +4,44 @@
 #include <cmath>
 
 #include "render/krObject.h"
+#include "script/krClassInfo.h"
 #include "script/krVBound.h"
 #include "script/krVObject.h"
 
 namespace {
+
+const krMemberInfo followMembers[] = {
+    {"setPosition", krCall, "(x, y, z)", "the offset from the pivot, turned with the view"},
+    {"setPivot", krCall, "(x, y, z)", "the point it circles, in the target's space"},
+    {"setOrientation", krCall, "(angle, x, y, z)", "the view relative to the target, angle radians about the axis"},
+    {"reset", krCall, "()", "jumps to the wanted view at once"},
+    {"target", krRead | krWrite, "object", "the scene object it follows; anything else clears it"},
+    {"x", krRead | krWrite, "float", "offset from the pivot"},
+    {"y", krRead | krWrite, "float", "offset from the pivot"},
+    {"z", krRead | krWrite, "float", "offset from the pivot"},
+    {"distance", krRead | krWrite, "float", "the far plane"},
+    {"fov", krRead | krWrite, "float", "field of view in degrees"},
+    {"lookback", krRead | krWrite, "bool", "looks the other way"},
+};
+
+const krMemberInfo floatingMembers[] = {
+    {"smoothness", krRead | krWrite, "float", "share of a turn still left after one second, 0 to 1"},
+    {"lockVertical", krRead | krWrite, "bool", "follows the target's heading only and stays level"},
+    {"lockOrient", krRead | krWrite, "bool", "keeps its view and does not turn with the target"},
+};
+
 // Looking back is half a turn about the up axis.
 const krQuat halfTurn = krQuat::fromAxisAngle(krPi, krVector3::axisY);
 // angleOf measures from +X, a heading from -Z: a quarter turn apart.
 constexpr float quarterTurn = 1.5707964f;
 }
+
+const krClassInfo krFollowCamera::info = {"krFollowCamera", "krCamera", nullptr, followMembers, {},
+                                          "the cameras that follow a target"};
+const krClassInfo krFloatingCamera::info = {"krFloatingCamera", "krFollowCamera", "new_floatingCamera",
+                                            floatingMembers, {}, "trails its target's turns smoothly"};
+const krClassInfo krFixedCamera::info = {"krFixedCamera", "krFollowCamera", "new_fixedCamera", {}, {},
+                                         "tied rigidly to its target"};
 
 krModule* krFollowCamera::getFollowed() const {
     return dynamic_cast<krModule*>(krScriptObject::fromHandle(targetHandle));

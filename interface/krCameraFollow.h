@@ -11,6 +11,8 @@ class krObject;
 class krFollowCamera : public krCamera {
 public:
     explicit krFollowCamera(krModule* owner) : krCamera(owner) {}
+    const char* className() const override { return "krFollowCamera"; }
+    static const krClassInfo info;
 
     krVariant* getMember(const std::string& name, krBlock* caller, const krArgs& args) override;
     void setMember(const std::string& name, krVariant* value) override;
@@ -50,6 +52,7 @@ class krFloatingCamera : public krFollowCamera {
 public:
     explicit krFloatingCamera(krModule* owner) : krFollowCamera(owner) {}
     const char* className() const override { return "krFloatingCamera"; }
+    static const krClassInfo info;
 
     krVariant* getMember(const std::string& name, krBlock* caller, const krArgs& args) override;
     void setMember(const std::string& name, krVariant* value) override;
@@ -71,6 +74,7 @@ class krFixedCamera : public krFollowCamera {
 public:
     explicit krFixedCamera(krModule* owner) : krFollowCamera(owner) {}
     const char* className() const override { return "krFixedCamera"; }
+    static const krClassInfo info;
 
     bool update(float dt) override;
 

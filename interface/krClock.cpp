@@ -3,7 +3,36 @@
 
 #include <ctime>
 
+#include "script/krClassInfo.h"
 #include "script/krVBound.h"
+
+namespace {
+
+const krMemberInfo timerMembers[] = {
+    {"cancel", krCall, "()", "deletes the timer"},
+    {"restart", krCall, "()", "counts the whole interval again"},
+};
+
+const krEventInfo timerEvents[] = {
+    {"timeout", "()", "the interval has passed; return true to run again, else the timer deletes itself"},
+};
+
+const krMemberInfo clockMembers[] = {
+    {"speed", krRead | krWrite, "float", "clock seconds a real second; negative runs backwards"},
+    {"time", krRead | krWrite, "int", "whole seconds"},
+    {"mseconds", krRead, "int", "milliseconds, -999 to 999"},
+    {"seconds", krRead, "int", "time modulo 60"},
+    {"minutes", krRead, "int", "time / 60 modulo 60"},
+    {"hours", krRead, "int", "time / 3600 modulo 24"},
+    {"format", krCall, "(pattern)", "the time as local time through strftime"},
+};
+
+}
+
+const krClassInfo krTimerClock::info = {"krTimerClock", "krModule", "timer", timerMembers, timerEvents,
+                                        "fires \"timeout\" after its interval"};
+const krClassInfo krClock::info = {"krClock", "krModule", "clock", clockMembers, {},
+                                   "an in-game clock running at any speed"};
 
 krTimerClock::krTimerClock(krModule* o, float i) : krModule(o), interval(i), remaining(i) {}
 

@@ -10,6 +10,7 @@ public:
     krVariant* getMember(const std::string& name, krBlock* caller, const krArgs& args) override;
     bool update(float dt) override;
     const char* className() const override { return "krTimerClock"; }
+    static const krClassInfo info;
 
 private:
     float interval;
@@ -23,6 +24,7 @@ public:
     void setMember(const std::string& name, krVariant* value) override;
     bool update(float dt) override;
     const char* className() const override { return "krClock"; }
+    static const krClassInfo info;
 
     int32_t getTime() const { return time; }
 

@@ -7,6 +7,7 @@
 #include "interface/krCameraFlying.h"
 #include "interface/krCameraFollow.h"
 #include "interface/krClock.h"
+#include "script/krClassInfo.h"
 #include "script/krFactory.h"
 #include "script/krSymbols.h"
 
@@ -42,11 +43,15 @@ krVariant* clock(krBlock*, const krArgs& args) {
 }  // namespace
 
 void krRegisterInterfaceClasses() {
-    krSymbols::addFunction("timer", timer, 0, "(seconds): a clock that counts down and fires \"timer\"");
+    krSymbols::addFunction("timer", timer, 0, "(seconds): a clock that fires \"timeout\" after that many seconds");
     krSymbols::addFunction("clock", clock, 0, "(), (time) or (hour, minute, second, day, month, year): a clock");
     krSymbols::addFunction("new_flyingCamera", krMakeModule<krFlyingCamera>, 0, "(owner?): a camera moved by the keys and the mouse");
     krSymbols::addFunction("new_floatingCamera", krMakeModule<krFloatingCamera>, 0, "(owner?): a camera that trails its target");
     krSymbols::addFunction("new_fixedCamera", krMakeModule<krFixedCamera>, 0, "(owner?): a camera fixed to its target");
+
+    for (const krClassInfo* info : {&krCamera::info, &krFlyingCamera::info, &krFollowCamera::info,
+                                    &krFloatingCamera::info, &krFixedCamera::info, &krTimerClock::info, &krClock::info})
+        krClasses::add(*info);
 
     using krSymbols::addInt;
     addInt("BORDER_TOP", 1);

@@ -26,7 +26,7 @@ struct krDisplayMode {
 struct krWindowMessage {
     enum Kind { close, activate, deactivate, keyDown, keyUp, keyChar, wheel };
     Kind kind = close;
-    // Engine key code (see interface/krInputKeys.h) of keys and mouse buttons.
+    // Engine key code (platform/krKeyCodes.h) of keys and mouse buttons.
     int32_t key = 0;
     // A key-down that the keyboard's auto-repeat made.
     bool repeat = false;

@@ -1,5 +1,5 @@
 // Keyboard and mouse codes of the video library in the engine's numbering, and typed text.
-#include "interface/krInputKeys.h"
+#include "platform/krKeyCodes.h"
 #include "platform/krWindowSystemSDL.h"
 
 int32_t krWindowSystemSDL::keyCode(SDL_Keycode key) {

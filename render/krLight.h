@@ -11,6 +11,7 @@ public:
     explicit krLight(krModule* owner);
     ~krLight() override;
     const char* className() const override { return "krLight"; }
+    static const krClassInfo info;
 
     krVector3 position;
     krColorF diffuse;

@@ -2,6 +2,10 @@
 #include "render/krObjectContainer.h"
 
 #include "render/krVideo.h"
+#include "script/krClassInfo.h"
+
+const krClassInfo krObjectContainer::info = {"krObjectContainer", "krModule", nullptr, {}, {},
+                                             "what has a place and bounds in the 3D world: objects and splits"};
 
 bool krObjectContainer::collectObjects(krCollectResult& result, const krBox& query) {
     if (!box.overlaps(query)) return false;

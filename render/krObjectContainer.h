@@ -29,6 +29,7 @@ class krObjectContainer : public krModule {
 public:
     explicit krObjectContainer(krModule* owner) : krModule(owner) {}
     const char* className() const override { return "krObjectContainer"; }
+    static const krClassInfo info;
 
     // Gathers the objects whose boxes overlap box; true when this container did overlap.
     virtual bool collectObjects(krCollectResult& result, const krBox& box);

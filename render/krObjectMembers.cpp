@@ -42,7 +42,8 @@ const krEventInfo objectEvents[] = {
 
 }  // namespace
 
-const krClassInfo krObject::info = {"krObject", "krObjectContainer", "new_object", objectMembers, objectEvents};
+const krClassInfo krObject::info = {"krObject", "krObjectContainer", "new_object", objectMembers, objectEvents,
+                                    "a thing in the 3D world: a mesh file's tree, or a generated shape"};
 
 namespace {
 

@@ -3,8 +3,13 @@
 
 #include <string>
 
+#include "render/krLight.h"
 #include "render/krObject.h"
+#include "render/krSplit.h"
 #include "render/krViewPort.h"
+#include "render/opengl/krShaders_OGL.h"
+#include "render/opengl/krTextures_OGL.h"
+#include "render/opengl/krVideo_OGL.h"
 #include "render/opengl/krWindow_OGL.h"
 #include "script/krClassInfo.h"
 #include "script/krFactory.h"
@@ -63,6 +68,9 @@ void krRegisterRenderClasses() {
     krSymbols::addFunction("new_window", newWindow, 0, "(OPENGL, owner?): a window; null for any other video type");
     krSymbols::addFunction("new_viewport", krMakeModule<krViewPort>, 0, "(owner?): a viewport, usually of a window");
     krSymbols::addFunction("new_object", krMakeModule<krObject>, 0, "(owner?): a scene object");
-    krClasses::add(krObject::info);
+    for (const krClassInfo* info : {&krWindow::info, &krWindow_OGL::info, &krVideo::info, &krVideo_OGL::info,
+                                    &krTextures_OGL::info, &krShaders_OGL::info, &krViewPort::info, &krLight::info,
+                                    &krObjectContainer::info, &krObject::info, &krSplit::info})
+        krClasses::add(*info);
     addConstants();
 }

@@ -3,6 +3,11 @@
 
 #include <limits>
 
+#include "script/krClassInfo.h"
+
+const krClassInfo krSplit::info = {"krSplit", "krObjectContainer", nullptr, {}, {},
+                                   "a node of a loaded spatial tree: a box around further splits and objects"};
+
 bool krSplit::isInView() {
     return sphereInView(position, 0, std::numeric_limits<float>::infinity());
 }

@@ -8,6 +8,7 @@ class krSplit : public krObjectContainer {
 public:
     explicit krSplit(krModule* owner) : krObjectContainer(owner) {}
     const char* className() const override { return "krSplit"; }
+    static const krClassInfo info;
 
     // Its position is already in world space: the file places splits, nothing moves them.
     bool isInView() override;

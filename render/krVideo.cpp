@@ -9,7 +9,17 @@
 #include "render/krLight.h"
 #include "render/krVideoItem.h"
 #include "render/krViewPort.h"
+#include "script/krClassInfo.h"
 #include "script/krVariant.h"
+
+namespace {
+const krMemberInfo videoMembers[] = {
+    {"fogEnabled", krRead | krWrite, "bool", "fog over the 3D scenes"},
+};
+}
+
+const krClassInfo krVideo::info = {"krVideo", "krModule", nullptr, videoMembers, {},
+                                   "the draw loop of a window: its viewports in order, its lights"};
 
 krVideo::krVideo(krModule* o) : krModule(o) {
     if (owner) owner->setVideo(this);
@@ -106,7 +116,8 @@ void krVideo::drawScene(float, float, float width, float height) {
 }
 
 void krVideo::drawModule(krModule* module) {
-    for (krVideoItem* item : module->getVideoItems()) item->draw();
+    // Only video items enter a module's item list.
+    for (krModuleItem* item : module->getVideoItems()) static_cast<krVideoItem*>(item)->draw();
     const auto& children = module->getChildren();
     for (size_t i = 0; i < children.size(); ++i) {
         krModule* child = children[i];

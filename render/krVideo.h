@@ -13,6 +13,7 @@
 class krCamera;
 class krLight;
 class krViewPort;
+class krVideoItem;
 struct krMesh;
 struct krDynamicData;
 struct krTextData;
@@ -26,6 +27,7 @@ public:
     explicit krVideo(krModule* owner);
     ~krVideo() override;
     const char* className() const override { return "krVideo"; }
+    static const krClassInfo info;
 
     krVariant* getMember(const std::string& name, krBlock* caller, const krArgs& args) override;
     void setMember(const std::string& name, krVariant* value) override;

@@ -6,19 +6,19 @@
 //   alpha queue:  `drawAlpha`, farthest first.
 #pragma once
 
+#include "core/krModuleItem.h"
+
 class krModule;
 class krShader_OGL;
 class krVideo_OGL;
 
-class krVideoItem {
+class krVideoItem : public krModuleItem {
 public:
     // With `add` set the item enters the module's item list, which then owns it.
     krVideoItem(krModule* module, bool add);
-    krVideoItem(const krVideoItem&) = delete;
-    krVideoItem& operator=(const krVideoItem&) = delete;
-    virtual ~krVideoItem();
+    ~krVideoItem() override;
 
-    virtual const char* className() const { return "krVideoItem"; }
+    const char* className() const override { return "krVideoItem"; }
     krModule* getModule() const { return module; }
 
     virtual void draw() {}

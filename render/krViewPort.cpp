@@ -3,7 +3,22 @@
 
 #include "interface/krCamera.h"
 #include "render/krVideo.h"
+#include "script/krClassInfo.h"
 #include "script/krVObject.h"
+
+namespace {
+const krMemberInfo viewportMembers[] = {
+    {"camera", krRead | krWrite, "object", "what it looks through; none looks down -Z from the origin"},
+    {"is2D", krRead | krWrite, "bool", "an overlay: items draw flat, in pixels"},
+    {"module", krRead | krWrite, "object", "the root of what it shows; nothing is drawn without one"},
+    {"setSize", krCall, "(x, y, width, height)", "the rectangle in pixels of the window"},
+    {"sendToBack", krCall, "()", "drawn first, below the others"},
+    {"bringToFront", krCall, "()", "drawn last, on top of the others"},
+};
+}
+
+const krClassInfo krViewPort::info = {"krViewPort", "krModule", "new_viewport", viewportMembers, {},
+                                      "a rectangle of a window showing one module subtree through one camera"};
 
 krViewPort::~krViewPort() {
     if (listedIn) listedIn->removeViewPort(this);

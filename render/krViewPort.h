@@ -12,6 +12,7 @@ public:
     explicit krViewPort(krModule* owner) : krModule(owner) {}
     ~krViewPort() override;
     const char* className() const override { return "krViewPort"; }
+    static const krClassInfo info;
 
     krVariant* getMember(const std::string& name, krBlock* caller, const krArgs& args) override;
     void setMember(const std::string& name, krVariant* value) override;

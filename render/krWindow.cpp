@@ -4,7 +4,42 @@
 #include "interface/krInputObject.h"
 #include "render/krVideo.h"
 #include "script/krBlock.h"
+#include "script/krClassInfo.h"
 #include "script/krVObject.h"
+
+namespace {
+
+const krMemberInfo windowMembers[] = {
+    {"fps", krRead, "float", "frames a second over the last tenth of a second or more"},
+    {"avgFps", krRead, "float", "frames a second since the start"},
+    {"frameTime", krRead, "float", "milliseconds of the last frame"},
+    {"width", krRead | krWrite, "int", "client width in pixels; a new size counts from the next init"},
+    {"height", krRead | krWrite, "int", "client height in pixels; a new size counts from the next init"},
+    {"title", krRead | krWrite, "string", "the text of the title bar"},
+    {"mode", krRead, "string", "lines on the display mode and the driver, after init"},
+    {"version", krRead, "string", "the program's name and version, after init"},
+    {"video", krRead, "object", "the window's video module"},
+    {"inputTarget", krRead | krWrite, "object", "the target of keys and mouse; writing null picks from the list"},
+    {"addInputTarget", krCall, "(target, priority?)", "lists a target; the highest priority, the later of equals, is in force"},
+    {"removeInputTarget", krCall, "(target)", "takes the target's last entry off the list"},
+    {"waitMessages", krRead | krWrite, "bool", "wait for input instead of running frames"},
+    {"mouseCapture", krRead | krWrite, "bool", "hide the cursor and report mouse moves to the input target"},
+    {"update", krCall, "()", "redraws the video alone, during long script work"},
+    {"background", krRead | krWrite, "int", "the clear colour, packed"},
+    {"key", krWrite, "int", "the code of the last key event; not readable: key handlers know their key by the event"},
+};
+
+const krEventInfo windowEvents[] = {
+    {"activate", "()", "the program got the focus"},
+    {"deactivate", "()", "the program lost the focus"},
+    {"keyDown_", "()", "completed by a key name: the key went down (not repeated)"},
+    {"keyUp_", "()", "completed by a key name: the key went up"},
+};
+
+}
+
+const krClassInfo krWindow::info = {"krWindow", "krModule", nullptr, windowMembers, windowEvents,
+                                    "a window with its frame statistics and input targets"};
 
 krWindow::krWindow(krModule* o) : krModule(o) {}
 

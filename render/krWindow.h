@@ -16,6 +16,7 @@ class krWindow : public krModule {
 public:
     explicit krWindow(krModule* owner);
     const char* className() const override { return "krWindow"; }
+    static const krClassInfo info;
 
     krVariant* getMember(const std::string& name, krBlock* caller, const krArgs& args) override;
     void setMember(const std::string& name, krVariant* value) override;

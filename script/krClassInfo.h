@@ -39,6 +39,8 @@ struct krClassInfo {
     const char* factory;
     std::span<const krMemberInfo> members;
     std::span<const krEventInfo> events;
+    // One line: what the class is, for the reference.
+    const char* note = nullptr;
 };
 
 namespace krClasses {

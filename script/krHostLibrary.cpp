@@ -7,6 +7,7 @@
 #include "core/krFile.h"
 #include "core/krMain.h"
 #include "platform/krSystem.h"
+#include "script/krClassInfo.h"
 #include "script/krFactory.h"
 #include "script/krParser.h"
 #include "script/krScript.h"
@@ -118,7 +119,8 @@ krVariant* krfile(krBlock*, const krArgs& args) {
     return new krVString(file.data ? std::string(file.data) : std::string());
 }
 
-krVariant* quit(krBlock*, const krArgs&) {
+krVariant* quit(krBlock*, const krArgs& args) {
+    if (!args.empty()) return nullptr;
     krSystem::postQuit();
     return nullptr;
 }
@@ -135,25 +137,38 @@ krVariant* sleep(krBlock*, const krArgs& args) {
     return nullptr;
 }
 
-krVariant* currentTime(krBlock*, const krArgs&) { return new krVInt(static_cast<int32_t>(std::time(nullptr))); }
+krVariant* currentTime(krBlock*, const krArgs& args) {
+    if (!args.empty()) return nullptr;
+    return new krVInt(static_cast<int32_t>(std::time(nullptr)));
+}
 
 } // namespace
 
 void krLibrary::registerHost() {
-    krSymbols::addFunction("delete", deleteObject, 0);
-    krSymbols::addFunction("color", color, krFuncFoldable);
-    krSymbols::addFunction("strcolor", strcolor, krFuncFoldable);
-    krSymbols::addFunction("include", include, 0);
-    krSymbols::addFunction("load", load, 0);
-    krSymbols::addFunction("unload", unload, 0);
-    krSymbols::addFunction("instant_unload", instantUnload, 0);
-    krSymbols::addFunction("run", run, 0);
-    krSymbols::addFunction("krfile", krfile, 0);
-    krSymbols::addFunction("quit", quit, 0);
-    krSymbols::addFunction("script", script, 0);
-    krSymbols::addFunction("sleep", sleep, 0);
-    krSymbols::addFunction("current_time", currentTime, 0);
-    krSymbols::addFunction("new_module", krMakeModule<krModule>, 0);
+    using krSymbols::addFunction;
+    addFunction("delete", deleteObject, 0, "(object): tears the module down and sets the variable to null");
+    addFunction("color", color, krFuncFoldable,
+                "(gray), (color, alpha), (red, green, blue) or (red, green, blue, alpha): a packed colour");
+    addFunction("strcolor", strcolor, krFuncFoldable, "(color): the packed colour as eight hex digits");
+    addFunction("include", include, 0, "(name): runs a data file's code inside the calling script");
+    addFunction("load", load, 0, "(names...): loads each as a resident script, once; the value of the last one run");
+    addFunction("unload", unload, 0, "(names...): unloads resident scripts at the next frame; none: the calling one");
+    addFunction("instant_unload", instantUnload, 0, "(names...): unloads resident scripts at once");
+    addFunction("run", run, 0, "(names...): runs each script once and destroys it; the value of the last");
+    addFunction("krfile", krfile, 0, "(name): the text of a data file, from the folder or a pack");
+    addFunction("quit", quit, 0, "(): ends the program after this frame");
+    addFunction("script", script, 0, "(name?): the calling script, or the resident script of that name");
+    addFunction("sleep", sleep, 0, "(milliseconds): stops the whole engine that long");
+    addFunction("current_time", currentTime, 0, "(): seconds since 1970, as an int");
+    addFunction("new_module", krMakeModule<krModule>, 0, "(owner?): an empty module, to group others");
+
+    krClasses::add(krScriptObject::info);
+    krClasses::add(krModule::info);
+    krClasses::add(krMain::info);
+    krClasses::add(krScripting::info);
+    krClasses::add(krVString::info);
+    krClasses::add(krVArray::info);
+    krClasses::add(krVScript::info);
 }
 
 void krLibrary::registerConstants() {

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <vector>
 
+#include "core/krVersion.h"
 #include "platform/krSystem.h"
 #include "script/krBAccess.h"
 #include "script/krParser.h"
@@ -182,25 +183,26 @@ krVariant* trimFirstLines(krBlock*, const krArgs& args) {
 } // namespace
 
 void krLibrary::registerLanguage() {
-    krSymbols::addFunction("print", print, 0);
-    krSymbols::addFunction("echo", print, 0);
-    krSymbols::addFunction("eval", evalText, 0);
-    krSymbols::addFunction("random", randomNumber, 0);
-    krSymbols::addFunction("open", openFile, 0);
-    krSymbols::addFunction("close", closeFile, 0);
-    krSymbols::addFunction("write", write, 0);
-    krSymbols::addFunction("writeLine", writeLine, 0);
-    krSymbols::addFunction("appendLine", appendLine, 0);
-    krSymbols::addFunction("file", fileText, 0);
-    krSymbols::addFunction("reset", resetFile, 0);
-    krSymbols::addFunction("remove", removeFile, 0);
-    krSymbols::addFunction("readdir", readDirectory, 0);
-    krSymbols::addFunction("bool", convert<krTypeBool>, krFuncFoldable);
-    krSymbols::addFunction("int", convert<krTypeInt>, krFuncFoldable);
-    krSymbols::addFunction("float", convert<krTypeFloat>, krFuncFoldable);
-    krSymbols::addFunction("string", convert<krTypeString>, krFuncFoldable);
-    krSymbols::addFunction("macro", makeMacro, 0);
-    krSymbols::addFunction("trimFirstLines", trimFirstLines, 0);
+    using krSymbols::addFunction;
+    addFunction("print", print, 0, "(text): writes the text and a newline to standard output");
+    addFunction("echo", print, 0, "(text): the same as print");
+    addFunction("eval", evalText, 0, "(text): runs the text as script code here; the value of its last statement");
+    addFunction("random", randomNumber, 0, "(n?): a random int from 0 to n - 1, or up to the generator's largest");
+    addFunction("open", openFile, 0, "(name, mode): opens a plain file as fopen does; a handle, or null");
+    addFunction("close", closeFile, 0, "(handle): closes a file opened with open");
+    addFunction("write", write, 0, "(handle, text): writes the text");
+    addFunction("writeLine", writeLine, 0, "(handle, text): writes the text and a newline");
+    addFunction("appendLine", appendLine, 0, "(name, text): appends the text and a newline to a plain file");
+    addFunction("file", fileText, 0, "(name): the whole text of a plain file, or null");
+    addFunction("reset", resetFile, 0, "(name): empties a plain file, making it if need be");
+    addFunction("remove", removeFile, 0, "(name): deletes a plain file");
+    addFunction("readdir", readDirectory, 0, "(folder?, suffix?): the names in a folder that end in the suffix");
+    addFunction("bool", convert<krTypeBool>, krFuncFoldable, "(value): the value as a bool");
+    addFunction("int", convert<krTypeInt>, krFuncFoldable, "(value): the value as an int");
+    addFunction("float", convert<krTypeFloat>, krFuncFoldable, "(value): the value as a float");
+    addFunction("string", convert<krTypeString>, krFuncFoldable, "(value): the value as a string");
+    addFunction("macro", makeMacro, 0, "(text, values...): an expression evaluated at each read; $1 is the first value");
+    addFunction("trimFirstLines", trimFirstLines, 0, "(text, n): the last n lines of the text");
 
     krSymbols::addConstant("false", new krVBool(false));
     krSymbols::addConstant("true", new krVBool(true));
@@ -211,7 +213,7 @@ void krLibrary::registerLanguage() {
     krSymbols::addConstant("nil", zero);
     krSymbols::addConstant("endl", new krVString("\n"));
     krSymbols::addConstant("tab", new krVString("\t"));
-    krSymbols::addConstant("KRSCRIPT_VERSION", new krVString("3.0.0"));
+    krSymbols::addConstant("KRSCRIPT_VERSION", new krVString(krVersion));
     krSymbols::addConstant("KRSCRIPT_VARIANTCOUNT", new krVIntPtr(&krVariant::instanceCount));
     krSymbols::addConstant("KRSCRIPT_BLOCKCOUNT", new krVIntPtr(&krBlock::instanceCount));
 }

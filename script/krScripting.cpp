@@ -7,11 +7,17 @@
 
 #include "core/krFile.h"
 #include "core/krMain.h"
+#include "script/krClassInfo.h"
 #include "script/krParser.h"
 #include "script/krScript.h"
 #include "script/krSymbols.h"
 
 krScripting* krScripting::host = nullptr;
+
+// Its members are a module's: scripts reach it as MAIN's first child, and the functions it
+// registered are its real interface.
+const krClassInfo krScripting::info = {"krScripting", "krModule", nullptr, {}, {},
+                                       "the script host: keeps the resident scripts, the functions and the constants"};
 
 namespace {
 void forwardToRoot(const std::string& text) {

@@ -17,6 +17,8 @@ public:
     explicit krScripting(krModule* owner);
     ~krScripting() override;
 
+    static const krClassInfo info;
+
     static krScripting* instance() { return host; }
 
     bool init() override;

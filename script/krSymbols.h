@@ -27,9 +27,10 @@ namespace krSymbols {
     void addInt(const std::string& word, int32_t value);
     // The constant of a word, borrowed, or null.
     krVariant* findConstant(const std::string& word);
-    void addFunction(const std::string& word, krNativeFunction function, int flags, const char* usage = nullptr);
-    void addExternalFunction(const std::string& word, krExternalFunction function, int flags,
-                             const char* usage = nullptr);
+    // `usage` is one line for the reference: the arguments, then what the function does, as
+    // "(name, mode): opens a plain file".
+    void addFunction(const std::string& word, krNativeFunction function, int flags, const char* usage);
+    void addExternalFunction(const std::string& word, krExternalFunction function, int flags, const char* usage);
     const krFunctionEntry* findFunction(const std::string& word);
     // The words of the function table, and their removal: for hosts that run untrusted text
     // with part of the library only.

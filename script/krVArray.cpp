@@ -3,6 +3,19 @@
 
 #include <algorithm>
 
+#include "script/krClassInfo.h"
+
+namespace {
+const krMemberInfo arrayMembers[] = {
+    {"count", krRead, "int", "the number of elements"},
+    {"remove", krCall, "(values...)", "takes out the first element equal to each int, object or script value"},
+    {"contains", krCall, "(values...)", "whether an element equals one of the int, object or script values"},
+};
+}
+
+const krClassInfo krVArray::info = {"krVArray", nullptr, nullptr, arrayMembers, {},
+                                    "an array value: elements under string keys, in key order"};
+
 krVArray::~krVArray() {
     for (krIterState* s : iterations) s->array = nullptr;
     for (auto& item : items) item.second->release();

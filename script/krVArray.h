@@ -12,6 +12,7 @@ public:
     using Items = std::map<std::string, krVariant*>;
 
     krVArray() : krVariant(krTypeArray) {}
+    static const krClassInfo info;
     ~krVArray() override;
 
     krVariant* clone() override;

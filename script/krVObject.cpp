@@ -1,9 +1,21 @@
 // Object, script and macro values.
 #include "script/krVObject.h"
 
+#include "platform/krSystem.h"
+#include "script/krClassInfo.h"
 #include "script/krFunction.h"
 #include "script/krScript.h"
-#include "platform/krSystem.h"
+
+namespace {
+const krMemberInfo scriptMembers[] = {
+    {"updateFileVars", krCall, "(names...)", "writes the present values of these variables into the script's own source"},
+    {"clearEvent", krCall, "(object, event)", "unbinds the script's handlers of that event from the object"},
+};
+}
+
+// Further names call the script's function of that name, or read or write its variable.
+const krClassInfo krVScript::info = {"krVScript", nullptr, nullptr, scriptMembers, {},
+                                     "a loaded script: other names reach its functions and variables"};
 
 krVObject* krVObject::fromHandle(int32_t h) {
     auto* v = new krVObject(nullptr);

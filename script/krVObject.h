@@ -46,6 +46,7 @@ protected:
 class krVScript : public krVHandle {
 public:
     explicit krVScript(krScript* script);
+    static const krClassInfo info;
     static krVScript* fromHandle(int32_t h);
 
     krScript* script() const;

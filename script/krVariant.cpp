@@ -7,7 +7,19 @@
 #include <cstdlib>
 #include <limits>
 
+#include "script/krClassInfo.h"
 #include "script/krVArray.h"
+
+namespace {
+const krMemberInfo stringMembers[] = {
+    {"length", krRead, "int", "the number of bytes"},
+    {"empty", krRead, "bool", "no text"},
+    {"clear", krCall, "()", "empties the string in place"},
+};
+}
+
+const krClassInfo krVString::info = {"krVString", nullptr, nullptr, stringMembers, {},
+                                     "a string value; bound string properties answer the same members"};
 
 int32_t krVariant::instanceCount = 0;
 int32_t krVariant::instanceLimit = INT32_MAX;

@@ -11,6 +11,7 @@
 #include "script/krPool.h"
 
 class krBlock;
+struct krClassInfo;
 struct krIterState;
 
 // How a value keeps its content: the plain classes below hold it in a field that the interpreter
@@ -182,6 +183,7 @@ namespace krConvert {
 class krVString : public krVariant {
 public:
     explicit krVString(std::string v) : krVariant(krTypeString, krStorage::text), value(std::move(v)) {}
+    static const krClassInfo info;
     krVariant* clone() override { return new krVString(value); }
     void reset() override { setString(std::string()); }
     bool toBool() override;

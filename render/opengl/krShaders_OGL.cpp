@@ -6,8 +6,12 @@
 #include "core/krFile.h"
 #include "render/opengl/krShader_GLSL.h"
 #include "render/opengl/krVideo_OGL.h"
+#include "script/krClassInfo.h"
 #include "script/krScript.h"
 #include "script/krScripting.h"
+
+const krClassInfo krShaders_OGL::info = {"krShaders_OGL", "krModule", nullptr, {}, {},
+                                         "the video's shader table, shared by file name; made at the window's init"};
 
 namespace {
 

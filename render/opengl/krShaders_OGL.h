@@ -19,6 +19,7 @@ public:
     explicit krShaders_OGL(krModule* owner);
     ~krShaders_OGL() override;
     const char* className() const override { return "krShaders_OGL"; }
+    static const krClassInfo info;
 
     // The table stays with its video: the programs live in the video's context.
     void setOwner(krModule*) override;

@@ -6,6 +6,10 @@
 #include "render/krTextureInfo.h"
 #include "render/opengl/krGL.h"
 #include "render/opengl/krVideo_OGL.h"
+#include "script/krClassInfo.h"
+
+const krClassInfo krTextures_OGL::info = {"krTextures_OGL", "krModule", nullptr, {}, {},
+                                          "the video's texture table, shared by file name"};
 
 krTextures_OGL::krTextures_OGL(krModule* o) : krModule(o) {}
 

@@ -18,6 +18,7 @@ public:
     explicit krTextures_OGL(krModule* owner);
     ~krTextures_OGL() override;
     const char* className() const override { return "krTextures_OGL"; }
+    static const krClassInfo info;
 
     // Loads the fallback once a context stands, then the children.
     bool init() override;

@@ -15,9 +15,24 @@
 #include "render/opengl/krMeshItem_OGL.h"
 #include "render/opengl/krShaders_OGL.h"
 #include "render/opengl/krTextures_OGL.h"
+#include "script/krClassInfo.h"
 #include "script/krVariant.h"
 
 namespace {
+
+const krMemberInfo videoMembers[] = {
+    {"anisotropy", krRead | krWrite, "float", "texture filter for textures loaded afterwards; written as an int"},
+    {"shaders", krRead | krWrite, "int", "shader languages wanted before the window's init (GLSL, CG), then those found"},
+    {"polyCount", krRead, "int", "polygons drawn in the last frame"},
+    {"nearPlane", krRead | krWrite, "float", "distance of the near clipping plane"},
+    {"motionBlur", krRead | krWrite, "float", "weight of the last frames; before init it asks for an accumulation buffer"},
+    {"hardwareSkinning", krRead | krWrite, "bool", "wanted before the window's init, then whether it is on"},
+    {"maxVertexWeights", krRead | krWrite, "int", "bone weights a vertex keeps, 4 at most"},
+    {"optimizeSkinGroups", krRead | krWrite, "int", "how skinned meshes are grouped for drawing"},
+    {"occlusionQuery", krWrite, "bool", "a wish before the window's init; its outcome shows only as an errorMsg"},
+    {"pointSprites", krWrite, "bool", "a wish before the window's init; its outcome shows only as an errorMsg"},
+};
+
 // Ambient light of the scene, on top of each light's own.
 constexpr float sceneAmbient[4] = {0.8f, 0.8f, 0.8f, 1};
 // Points shrink with distance by 1 / (a + b d + c d^2).
@@ -31,6 +46,9 @@ constexpr float transparentAlphaRef = 0.001f;
 
 float aspectOf(float width, float height) { return height != 0 ? width / height : 1; }
 }
+
+const krClassInfo krVideo_OGL::info = {"krVideo_OGL", "krVideo", nullptr, videoMembers, {},
+                                       "the window's draw loop on OpenGL: read it as the window's video"};
 
 krVideo_OGL::krVideo_OGL(krModule* o)
     : krVideo(o), glowQueue(glowQueueSize), alphaQueue(alphaQueueSize), opaqueQueue(opaqueQueueSize) {

@@ -30,6 +30,7 @@ public:
     explicit krVideo_OGL(krModule* owner);
     ~krVideo_OGL() override;
     const char* className() const override { return "krVideo_OGL"; }
+    static const krClassInfo info;
 
     krVariant* getMember(const std::string& name, krBlock* caller, const krArgs& args) override;
     void setMember(const std::string& name, krVariant* value) override;

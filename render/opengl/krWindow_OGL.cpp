@@ -4,13 +4,22 @@
 #include <algorithm>
 
 #include "core/krMain.h"
+#include "core/krVersion.h"
 #include "interface/krInputObject.h"
 #include "platform/krSystem.h"
 #include "render/opengl/krGL.h"
 #include "render/opengl/krVideo_OGL.h"
+#include "script/krClassInfo.h"
 #include "script/krVariant.h"
 
 namespace {
+
+const krMemberInfo windowMembers[] = {
+    {"antialiasing", krRead | krWrite, "int", "samples asked for before init; after init those obtained"},
+    {"frequency", krRead | krWrite, "int", "refresh rate of the fullscreen mode; 0 is any"},
+    {"fullscreen", krRead | krWrite, "bool", "fullscreen at the window's size"},
+};
+
 // Frames per second are counted over at least this many seconds.
 constexpr double fpsPeriod = 0.1;
 // Wheel travel of one step.
@@ -22,11 +31,14 @@ void error(const std::string& text) {
     if (krMain* root = krMain::instance()) root->errorMsg(text);
 }
 
-void info(const std::string& text) {
+void inform(const std::string& text) {
     if (krMain* root = krMain::instance()) root->infoMsg(text);
 }
 
 }
+
+const krClassInfo krWindow_OGL::info = {"krWindow_OGL", "krWindow", "new_window", windowMembers, {},
+                                        "the OpenGL window: set its size and format, then init it"};
 
 krWindow_OGL::krWindow_OGL(krModule* o) : krWindow(o), counterFrequency(krSystem::counterFrequency()) {
     visible = true;
@@ -73,7 +85,7 @@ bool krWindow_OGL::createNative(std::string& reason) {
 }
 
 bool krWindow_OGL::init() {
-    info("initializing OpenGL-window...");
+    inform("initializing OpenGL-window...");
     // A second init makes the window anew, with the size and format asked for now.
     destroyNative();
     if (width < 1 || height < 1 || width > maxSize || height > maxSize) {
@@ -99,7 +111,7 @@ bool krWindow_OGL::init() {
     const krPixelFormat format = krWindowSystem::describe(native);
     krWindowSystem::clientSize(native, width, height);
     antialiasing = format.samples;
-    info("[done]");
+    inform("[done]");
 
     if (v) {
         testCapabilities(v);
@@ -158,7 +170,7 @@ void krWindow_OGL::testCapabilities(krVideo_OGL* v) {
         if (t.wished && !*t.flag) continue;
         *t.flag = krGL::loadGroup(t.group);
         if (!*t.flag) error(t.missing);
-        else if (t.group == krGLGroup::glsl) info("GLSL initialized");
+        else if (t.group == krGLGroup::glsl) inform("GLSL initialized");
     }
     // No driver of this platform compiles the other shader language.
     if (v->cg) {
@@ -202,7 +214,7 @@ void krWindow_OGL::buildVersion() {
         program = program.substr(program.find_last_of('/') + 1);
     }
     version = program + " v. ";
-    for (int i = 0; i < 4; ++i) version.append(i ? "." : "").append(std::to_string(versionNumbers[i]));
+    for (int i = 0; i < 4; ++i) version.append(i ? "." : "").append(std::to_string(krVersionNumbers[i]));
 }
 
 void krWindow_OGL::holdCursor() {

@@ -16,12 +16,11 @@ class krWindow_OGL : public krWindow, public krWindowListener {
 public:
     // Largest client size asked for, in either direction; beyond it no driver has a surface.
     static constexpr int32_t maxSize = 16384;
-    // The engine's version in the four numbers of a file version.
-    static constexpr int32_t versionNumbers[4] = {3, 0, 0, 0};
 
     explicit krWindow_OGL(krModule* owner);
     ~krWindow_OGL() override;
     const char* className() const override { return "krWindow_OGL"; }
+    static const krClassInfo info;
 
     krVariant* getMember(const std::string& name, krBlock* caller, const krArgs& args) override;
     void setMember(const std::string& name, krVariant* value) override;

@@ -1,0 +1,2 @@
+// The socket layer may use the system headers.
+#include <sys/socket.h>

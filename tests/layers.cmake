@@ -1,0 +1,71 @@
+# The layering check: fails when a source file includes from a folder it may not depend on.
+#   core/, script/   the runtime layer: each other and platform/ only
+#   platform/        itself only
+#   other folders    any engine folder (the subsystems, each in its own folder)
+#   the top          krProgram.*, main.cpp and the like sit above everything; no folder includes them
+#   tools/, tests/, bench/ may include anything
+# Only platform/ and network/sockets/ include the window library's or the socket headers.
+# ROOT is the source tree to check.
+cmake_minimum_required(VERSION 3.25)
+
+set(runtime_layer core script platform)
+set(exempt tools tests bench docs data demo)
+set(window_or_socket_header "^(SDL2?/|SDL[_.]|sys/socket\\.h|netinet/|arpa/|netdb\\.h)")
+
+# The engine's folders: every folder at the top that is neither a build tree nor exempt.
+file(GLOB entries LIST_DIRECTORIES true RELATIVE ${ROOT} ${ROOT}/*)
+set(folders)
+foreach(entry ${entries})
+  if(IS_DIRECTORY ${ROOT}/${entry} AND NOT entry MATCHES "^\\." AND NOT EXISTS ${ROOT}/${entry}/CMakeCache.txt)
+    list(FIND exempt ${entry} at)
+    if(at EQUAL -1)
+      list(APPEND folders ${entry})
+    endif()
+  endif()
+endforeach()
+
+set(faults)
+foreach(folder ${folders})
+  file(GLOB_RECURSE sources RELATIVE ${ROOT} ${ROOT}/${folder}/*.h ${ROOT}/${folder}/*.cpp ${ROOT}/${folder}/*.in)
+  foreach(source ${sources})
+    file(STRINGS ${ROOT}/${source} includes REGEX "^[ \t]*#[ \t]*include[ \t]*[<\"]")
+    foreach(line ${includes})
+      string(REGEX REPLACE "^[ \t]*#[ \t]*include[ \t]*[<\"]([^>\"]*)[>\"].*$" "\\1" header "${line}")
+      if(header MATCHES "${window_or_socket_header}")
+        if(NOT source MATCHES "^(platform|network/sockets)/")
+          list(APPEND faults "${source}: <${header}>: only platform/ and network/sockets/ talk to the system's window and socket layers")
+        endif()
+        continue()
+      endif()
+      if(NOT line MATCHES "\"")
+        continue()
+      endif()
+      # A quoted include names a file of the engine by its path from the top.
+      string(FIND "${header}" "/" slash)
+      if(slash EQUAL -1)
+        get_filename_component(dir ${source} DIRECTORY)
+        if(NOT EXISTS ${ROOT}/${dir}/${header})
+          list(APPEND faults "${source}: \"${header}\": the top of the program includes the folders, never the other way")
+        endif()
+        continue()
+      endif()
+      string(SUBSTRING "${header}" 0 ${slash} target)
+      list(FIND folders ${target} known)
+      if(known EQUAL -1)
+        list(APPEND faults "${source}: \"${header}\": not a folder of the engine")
+      elseif(folder STREQUAL "platform" AND NOT target STREQUAL "platform")
+        list(APPEND faults "${source}: \"${header}\": platform/ includes nothing above it")
+      elseif(folder MATCHES "^(core|script)$")
+        list(FIND runtime_layer ${target} allowed)
+        if(allowed EQUAL -1)
+          list(APPEND faults "${source}: \"${header}\": core/ and script/ include nothing of ${target}/ or later layers")
+        endif()
+      endif()
+    endforeach()
+  endforeach()
+endforeach()
+
+if(faults)
+  list(JOIN faults "\n" text)
+  message(FATAL_ERROR "Includes across layers:\n${text}")
+endif()
