@@ -1,16 +1,20 @@
 // The OpenGL draw loop: scene set-up, the three queues, the 2D pass, motion blur; the tables of
-// textures and shaders, and the mesh item factory.
+// textures, shaders and fonts, and the item factories.
 #include "render/opengl/krVideo_OGL.h"
 
 #include <algorithm>
 #include <functional>
 
 #include "interface/krCamera.h"
+#include "render/krDynamicData.h"
 #include "render/krLight.h"
 #include "render/krMesh.h"
 #include "render/krVideoItem.h"
 #include "render/krViewPort.h"
 #include "render/krWindow.h"
+#include "render/opengl/krDynamic2DTextItem_OGL.h"
+#include "render/opengl/krDynamicPointsItem_OGL.h"
+#include "render/opengl/krFonts_OGL.h"
 #include "render/opengl/krGL.h"
 #include "render/opengl/krMeshItem_OGL.h"
 #include "render/opengl/krShaders_OGL.h"
@@ -54,6 +58,8 @@ krVideo_OGL::krVideo_OGL(krModule* o)
     : krVideo(o), glowQueue(glowQueueSize), alphaQueue(alphaQueueSize), opaqueQueue(opaqueQueueSize) {
     textures = new krTextures_OGL(this);
     textures->attach();
+    fonts = new krFonts_OGL(this);
+    fonts->attach();
 }
 
 krVideo_OGL::~krVideo_OGL() {
@@ -67,6 +73,7 @@ krWindow* krVideo_OGL::window() const {
 void krVideo_OGL::removeChild(krModule* child) {
     if (child == textures) textures = nullptr;
     if (child == shaders) shaders = nullptr;
+    if (child == fonts) fonts = nullptr;
     krVideo::removeChild(child);
 }
 
@@ -162,6 +169,42 @@ krShader_OGL* krVideo_OGL::selectShader(int32_t flags, const std::string& name, 
 krVideoItem* krVideo_OGL::createMeshItem(krModule* module, krMesh* mesh, int32_t) {
     if (!mesh || mesh->vertexCount <= 0 || !mesh->vertices || !contextReady) return nullptr;
     return new krMeshItem_OGL(module, this, *mesh);
+}
+
+krVideoItem* krVideo_OGL::createDynamicItem(krModule* module, krDynamicData* data, int32_t kind) {
+    // Without vertices there is nothing to draw yet; the owner asks again once it has some.
+    if (!module || !data || data->count <= 0 || !(kind & krDynamicKind::required)) return nullptr;
+    krPrimitiveItem_OGL* item = nullptr;
+    if (kind & krDynamicKind::points) {
+        if (!data->points) return nullptr;
+        if (glsl && pointSprites) item = new krDynamicShadedPointsItem_OGL(module, this, data, kind);
+        else item = new krDynamicPointsItem_OGL(module, this, data, kind);
+    } else {
+        if (!data->vertices || !krDynamicPrimitiveItem_OGL::modeOf(kind)) return nullptr;
+        item = new krDynamicPrimitiveItem_OGL(module, this, data, kind);
+    }
+    item->prepare();
+    return item;
+}
+
+krVideoItem* krVideo_OGL::createTextItem(krModule* module, krTextData* data, int32_t kind) {
+    constexpr int32_t wanted = krDynamicKind::flat | krDynamicKind::required;
+    if (!module || !data || (kind & wanted) != wanted || !fonts) return nullptr;
+    return new krDynamic2DTextItem_OGL(module, this, data);
+}
+
+void krVideo_OGL::setItemData(krVideoItem* item, krDynamicData* data) {
+    if (auto* primitive = dynamic_cast<krPrimitiveItem_OGL*>(item); primitive && data) primitive->setData(data);
+}
+
+float krVideo_OGL::textCharWidth(krVideoItem* item, int32_t character) {
+    auto* text = dynamic_cast<krDynamic2DTextItem_OGL*>(item);
+    return text ? text->charWidth(character) : 0;
+}
+
+float krVideo_OGL::textWidth(krVideoItem* item) {
+    auto* text = dynamic_cast<krDynamic2DTextItem_OGL*>(item);
+    return text ? text->width() : 0;
 }
 
 krContextStamp::krContextStamp(krVideo_OGL* video)

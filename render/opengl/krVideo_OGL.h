@@ -2,8 +2,8 @@
 // then run in a fixed order: opaque items grouped by shader, glows (drawn with an occlusion
 // query), transparent items from far to near; then the 2D pass draws the glows that were seen.
 // 2D viewports draw their items during the walk. The capability flags that the window finds
-// live here, for the whole renderer to read. The video owns the texture and shader tables and
-// turns meshes into items.
+// live here, for the whole renderer to read. The video owns the texture, shader and font tables
+// and turns meshes and owners' dynamic records into items.
 #pragma once
 
 #include <vector>
@@ -11,6 +11,7 @@
 #include "core/krMatrix.h"
 #include "render/krVideo.h"
 
+class krFonts_OGL;
 class krShader_OGL;
 class krShaders_OGL;
 class krTextures_OGL;
@@ -42,6 +43,12 @@ public:
     void drawViewport() override;
     // Null without vertices, or while there is no context to hand the geometry to.
     krVideoItem* createMeshItem(krModule* module, krMesh* mesh, int32_t kind) override;
+    // Items made before the window's context stands take their textures at their first draw.
+    krVideoItem* createDynamicItem(krModule* module, krDynamicData* data, int32_t kind) override;
+    krVideoItem* createTextItem(krModule* module, krTextData* data, int32_t kind) override;
+    void setItemData(krVideoItem* item, krDynamicData* data) override;
+    float textCharWidth(krVideoItem* item, int32_t character) override;
+    float textWidth(krVideoItem* item) override;
 
     // The shader for a material: by its own shader name if it has one, else by the material
     // flags, from the engine's stock shaders. Null without a shader table.
@@ -50,6 +57,8 @@ public:
     // with a context, and anew after a lost one.
     krTextures_OGL* getTextures() const { return textures; }
     krShaders_OGL* getShaders() const { return shaders; }
+    // Null once a script has deleted it.
+    krFonts_OGL* getFonts() const { return fonts; }
     // Counts the contexts the video has lost: objects made in an earlier one are gone with it.
     uint32_t getContextGeneration() const { return contextGeneration; }
 
@@ -132,6 +141,7 @@ private:
     krVector3 eyeCopy;
     krShaders_OGL* shaders = nullptr;
     krTextures_OGL* textures = nullptr;
+    krFonts_OGL* fonts = nullptr;
     uint32_t contextGeneration = 0;
     krMatrix projection{true};
     krMatrix modelView{true};

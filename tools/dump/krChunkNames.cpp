@@ -2,6 +2,7 @@
 #include "krChunkNames.h"
 
 #include "core/krPackFormat.h"
+#include "render/krFont.h"
 #include "render/krMeshFile.h"
 
 namespace {
@@ -35,6 +36,10 @@ const krChunkName names[] = {
     {krMeshFile::splitTreeId, "split tree", 0},
     {krMeshFile::splitId, "split", sizeof(krMeshFile::SplitRecord)},
     {krMeshFile::leafId, "leaf", sizeof(krMeshFile::LeafRecord)},
+
+    // 0x3: fonts
+    {krFontFile::rootId, "font", 0},
+    {krFontFile::glyphsId, "glyph table", krChunkName::leaf},
 };
 
 }  // namespace

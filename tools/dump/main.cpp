@@ -1,8 +1,9 @@
-// kerrin-dump: shows the chunk tree of any chunk file (id, name where known, offset, size, nesting)
-// and, for a pack, its directory. Problems in the file go to standard error and make the exit
-// status non-zero; what could be read is still shown.
+// kerrin-dump: shows the chunk tree of any chunk file (id, name where known, offset, size, nesting),
+// for a pack its directory, and for a font the glyphs of its table. Problems in the file go to
+// standard error and make the exit status non-zero; what could be read is still shown.
 #include <cinttypes>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -11,6 +12,7 @@
 #include "core/krFileIndexPack.h"
 #include "core/krPackFormat.h"
 #include "krChunkNames.h"
+#include "render/krFont.h"
 
 namespace {
 
@@ -44,6 +46,7 @@ public:
             }
             if (childrenAt != krChunkName::leaf && file.readData(&chunk, static_cast<uint32_t>(childrenAt)))
                 chunks(&chunk, depth + 1);
+            if (chunk.id == krFontFile::glyphsId) glyphs(chunk, depth + 1);
             file.skipChunk(&chunk);
         }
     }
@@ -59,6 +62,28 @@ public:
     bool clean() const { return problems == 0; }
 
 private:
+    // The glyphs a font's table defines: byte, the character where it is printable, the
+    // rectangle in the atlas, and the drawn width in font heights.
+    void glyphs(const krChunk& chunk, int depth) {
+        if (chunk.size < krFontFile::glyphTableSize) {
+            problem("glyph table at offset %" PRIu32 " holds %" PRIu32 " bytes, not %" PRIu32, file.cursor, chunk.size,
+                    krFontFile::glyphTableSize);
+            return;
+        }
+        krFont font;
+        std::memcpy(font.glyphs, file.data + file.cursor, krFontFile::glyphTableSize);
+        int defined = 0;
+        for (int c = 0; c < krFont::glyphCount; ++c) {
+            const krGlyph& g = font.glyphs[c];
+            if (g.width == 0 && g.height == 0) continue;
+            ++defined;
+            const char shown[2] = {c >= 0x20 && c < 0x7F ? static_cast<char>(c) : ' ', 0};
+            std::printf("%*s%3d %s  u %.6f v %.6f width %.6f height %.6f  advance %.4f\n", depth * 2, "", c, shown,
+                        g.u, g.v, g.width, g.height, font.advance(static_cast<uint8_t>(c)));
+        }
+        std::printf("%*s%d glyphs defined\n", depth * 2, "", defined);
+    }
+
     // A chunk of an unknown id is shown as a parent when its payload is exactly a run of chunks.
     int32_t guessChildren(const krChunk& chunk) const {
         const uint8_t* at = reinterpret_cast<const uint8_t*>(file.data + file.cursor);
