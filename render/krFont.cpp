@@ -2,7 +2,6 @@
 #include "render/krFont.h"
 
 #include <bit>
-#include <cmath>
 #include <cstring>
 
 #include "core/krFile.h"
@@ -10,9 +9,16 @@
 static_assert(std::endian::native == std::endian::little, "glyph tables are copied as little-endian floats");
 
 namespace {
+// Texture coordinates of the atlas run from 0 to 1; a writer's rounding may overshoot the edge.
+constexpr float atlasEdge = 1 + 1.0f / 65536;
+
+bool inAtlas(float start, float size) {
+    return start >= 0 && size >= 0 && start <= atlasEdge && size <= atlasEdge && start + size <= atlasEdge;
+}
+
+// The comparisons are false for NaN, which is thereby refused too.
 bool drawable(const krGlyph& g) {
-    return std::isfinite(g.u) && std::isfinite(g.v) && std::isfinite(g.width) && std::isfinite(g.height) &&
-           g.width >= 0 && g.height >= 0;
+    return inAtlas(g.u, g.width) && inAtlas(g.v, g.height) && g.width <= krFont::maxAdvance * g.height;
 }
 }  // namespace
 

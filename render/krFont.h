@@ -21,6 +21,9 @@ static_assert(sizeof(krGlyph) == 16);
 struct krFont {
     // One glyph for every byte value.
     static constexpr int32_t glyphCount = 256;
+    // No glyph is wider than this many font heights: a table that says so is broken, and text
+    // measured with it would run off to infinity.
+    static constexpr float maxAdvance = 64;
 
     int32_t style = 0;
     // The atlas, in the context it was loaded in; 0 before.
@@ -50,7 +53,8 @@ enum class Result { ok, wrongRoot, noTable };
 
 // Reads the first chunk of the file and, if it is a font, the glyph table among its sub-chunks;
 // other sub-chunks are passed over. Glyphs stay zero where there is no table. A glyph that could
-// not be drawn sensibly (a value that is not finite, a negative size) is left zero as well.
+// not be drawn sensibly (a rectangle that is not inside the atlas, wider than maxAdvance) is
+// left zero as well.
 Result read(krFile& file, krGlyph (&glyphs)[krFont::glyphCount]);
 
 // The file name of one of a font's files; styles without a name take the first.

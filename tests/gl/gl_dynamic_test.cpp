@@ -36,9 +36,9 @@ protected:
     void writeTestFont() {
         files.write("t/font/normal.dds", halvesTexture(0xFFFFFFFF, 0x00FFFFFF, 16, 16));
         krGlyph g[krFont::glyphCount];
-        g['A'] = {1 / 16.0f, 0.25f, 0.375f, 0.375f};
-        g['o'] = {9 / 16.0f, 0.25f, 0.375f, 0.375f};
-        g['i'] = {1 / 16.0f, 0.25f, 0.1875f, 0.375f};
+        g[uint8_t('A')] = {1 / 16.0f, 0.25f, 0.375f, 0.375f};
+        g[uint8_t('o')] = {9 / 16.0f, 0.25f, 0.375f, 0.375f};
+        g[uint8_t('i')] = {1 / 16.0f, 0.25f, 0.1875f, 0.375f};
         files.write("t/font/normal.font", krEncodeFontFile(g));
     }
 

@@ -20,10 +20,10 @@ using engineTesting::reports;
 // Glyph a is one font height wide, b half of one, digits a quarter; nothing else is defined.
 void testGlyphs(krGlyph (&g)[krFont::glyphCount]) {
     for (krGlyph& x : g) x = krGlyph();
-    g['a'] = {0, 0, 0.5f, 0.5f};
-    g['b'] = {0.5f, 0, 0.25f, 0.5f};
+    g[uint8_t('a')] = {0, 0, 0.5f, 0.5f};
+    g[uint8_t('b')] = {0.5f, 0, 0.25f, 0.5f};
     for (int c = '0'; c <= '9'; ++c) g[c] = {0, 0.5f, 0.125f, 0.5f};
-    g['F'] = g['0'];
+    g[uint8_t('F')] = g[uint8_t('0')];
 }
 
 std::string testFontFile() {
@@ -89,7 +89,7 @@ TEST_F(RenderFonts, AFontThatFailsStaysWithoutGlyphsAndReportsOnce) {
 TEST_F(RenderFonts, TheReaderTakesOnlyWholeDrawableTables) {
     krGlyph g[krFont::glyphCount];
     EXPECT_EQ(readBytes(testFontFile(), g), krFontFile::Result::ok);
-    EXPECT_EQ(g['b'].width, 0.25f);
+    EXPECT_EQ(g[uint8_t('b')].width, 0.25f);
 
     // Unknown chunks are passed over; a short table is none.
     krGlyph table[krFont::glyphCount];
@@ -104,7 +104,7 @@ TEST_F(RenderFonts, TheReaderTakesOnlyWholeDrawableTables) {
     w.end();
     w.end();
     EXPECT_EQ(readBytes(w.data(), g), krFontFile::Result::noTable);
-    EXPECT_EQ(g['a'].width, 0);
+    EXPECT_EQ(g[uint8_t('a')].width, 0);
 
     // A table cut off by the end of the file, though its chunk claims the whole.
     std::string cut = testFontFile();
@@ -112,14 +112,16 @@ TEST_F(RenderFonts, TheReaderTakesOnlyWholeDrawableTables) {
     EXPECT_EQ(readBytes(cut, g), krFontFile::Result::noTable);
 
     // Glyphs that could not be drawn sensibly are left out; the rest stay.
-    table['a'].width = std::numeric_limits<float>::quiet_NaN();
-    table['b'].height = -1;
-    table['0'].u = std::numeric_limits<float>::infinity();
+    table[uint8_t('a')].width = std::numeric_limits<float>::quiet_NaN();
+    table[uint8_t('b')].height = -1;
+    table[uint8_t('0')].u = std::numeric_limits<float>::infinity();
+    table[uint8_t('1')].u = 0.9f;
+    table[uint8_t('2')] = {0, 0, 1, 1e-30f};
+    table[uint8_t('3')] = {0, 0, 1, 1 / krFont::maxAdvance};
     EXPECT_EQ(readBytes(krEncodeFontFile(table), g), krFontFile::Result::ok);
-    EXPECT_EQ(g['a'].height, 0);
-    EXPECT_EQ(g['b'].width, 0);
-    EXPECT_EQ(g['0'].width, 0);
-    EXPECT_EQ(g['1'].width, 0.125f);
+    for (int c : {'a', 'b', '0', '1', '2'}) EXPECT_EQ(g[c].width + g[c].height, 0) << char(c);
+    EXPECT_EQ(g[uint8_t('3')].width, 1);
+    EXPECT_EQ(g[uint8_t('4')].width, 0.125f);
 
     EXPECT_EQ(readBytes(std::string(3, 'x'), g), krFontFile::Result::wrongRoot);
 }
@@ -127,7 +129,7 @@ TEST_F(RenderFonts, TheReaderTakesOnlyWholeDrawableTables) {
 TEST_F(RenderFonts, TextMeasuresComeFromTheGlyphMetrics) {
     write("t/font/normal.font", testFontFile());
     krGlyph wide[krFont::glyphCount];
-    wide['a'] = {0, 0, 1, 0.5f};
+    wide[uint8_t('a')] = {0, 0, 1, 0.5f};
     write("t/other/normal.font", krEncodeFontFile(wide));
     krTextData data;
     data.font = "t/font";

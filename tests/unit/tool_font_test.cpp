@@ -40,10 +40,10 @@ TEST(ToolFont, AFaceRoundTripsThroughTheEnginesReaders) {
     const float side = static_cast<float>(info.width);
 
     // Every glyph is one line tall; controls and the gaps of the code page have none.
-    const krGlyph& a = read['A'];
+    const krGlyph& a = read[uint8_t('A')];
     EXPECT_FLOAT_EQ(a.height * side, static_cast<float>(font.cellHeight));
     for (int c : {0, 4, 9, 10, 31, 127, 0x81}) EXPECT_EQ(read[c].height, 0) << c;
-    EXPECT_GT(read[' '].width, 0);
+    EXPECT_GT(read[uint8_t(' ')].width, 0);
     EXPECT_GT(read[0x80].width, 0);  // the euro sign
     EXPECT_GT(read[0xE9].width, 0);  // e acute
     // Wide letters are wider than narrow ones, and at 24 pixels a capital is about 0.7 lines wide.
