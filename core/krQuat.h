@@ -3,6 +3,8 @@
 // q1 x q2 the rotation q1 acts first, the same reading order as matrix products.
 #pragma once
 
+#include <cmath>
+
 #include "core/krVector3.h"
 
 struct krMatrix;
@@ -33,6 +35,9 @@ krQuat multiply(const krQuat& a, const krQuat& b);
 // The rotation that takes b to a: conj(b) x a.
 krQuat difference(const krQuat& a, const krQuat& b);
 inline krQuat conjugate(const krQuat& q) { return {-q.x, -q.y, -q.z, q.w}; }
+inline bool isFinite(const krQuat& q) {
+    return std::isfinite(q.x) && std::isfinite(q.y) && std::isfinite(q.z) && std::isfinite(q.w);
+}
 inline float dot(const krQuat& a, const krQuat& b) { return a.x * b.x + a.y * b.y + a.z * b.z + a.w * b.w; }
 // Unit quaternion along q; one too short to have a direction becomes the identity.
 krQuat normalized(const krQuat& q);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <bit>
+#include <cmath>
 #include <compare>
 #include <cstdint>
 #include <limits>
@@ -81,6 +82,8 @@ float length(const krVector3& v);
 inline float distanceSquared(const krVector3& a, const krVector3& b) { return lengthSquared(a - b); }
 float distance(const krVector3& a, const krVector3& b);
 inline bool isZero(const krVector3& v) { return v.x == 0 && v.y == 0 && v.z == 0; }
+// No component is infinite or not a number.
+inline bool isFinite(const krVector3& v) { return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z); }
 inline krVector3 lerp(const krVector3& a, const krVector3& b, float t) { return t * b + (1 - t) * a; }
 
 // Unit vector along v; the zero vector stays zero instead of turning into NaNs.
