@@ -102,13 +102,23 @@ void krBroadPhase::unindex(int32_t slot) {
 
 void krBroadPhase::place(int32_t slot) {
     Slot& s = slots[static_cast<size_t>(slot)];
+    if (s.indexed) {
+        const krBox& b = s.body->nextBox;
+        if (s.fat.contains(b.min) && s.fat.contains(b.max)) return;
+    }
     Range r;
-    const bool indexable = s.body && rangeOf(s.body->nextBox, maxEntryCells, r);
-    if (indexable && s.indexed && r == s.range) return;
+    krBox fat;
+    bool indexable = false;
+    if (s.body) {
+        const krVector3 grow(slack, slack, slack);
+        fat = krBox(s.body->nextBox.min - grow, s.body->nextBox.max + grow);
+        indexable = rangeOf(fat, maxEntryCells, r);
+    }
     if (s.indexed) unindex(slot);
     else if (indexable) eraseSorted(loose, slot);
     if (indexable) {
         s.range = r;
+        s.fat = fat;
         index(slot);
     } else if (!std::binary_search(loose.begin(), loose.end(), slot, [this](int32_t a, int32_t b) {
                    return slots[static_cast<size_t>(a)].ordinal < slots[static_cast<size_t>(b)].ordinal;

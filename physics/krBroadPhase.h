@@ -15,8 +15,11 @@ class krPhysObj;
 
 class krBroadPhase {
 public:
-    // Edge of an index cell in metres: a car or a crate covers a few cells.
-    static constexpr float cellSize = 4.0f;
+    // Edge of an index cell in metres: a crate covers one to eight cells, a car a few more.
+    static constexpr float cellSize = 2.0f;
+    // A body is indexed by its box grown by this much, and indexed again only when its box
+    // leaves that: a body resting on a cell border does not move between cells every substep.
+    static constexpr float slack = 0.25f;
     // A body over more cells than this is asked by every query instead of being indexed.
     static constexpr int64_t maxEntryCells = 64;
     // A query over more cells than this asks every object in turn.
@@ -51,6 +54,8 @@ private:
         uint64_t ordinal = 0;
         bool indexed = false;
         Range range{};
+        // The box the cells were taken from.
+        krBox fat;
     };
 
     // The cells of box, false when it has none that can be indexed.

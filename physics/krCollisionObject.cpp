@@ -130,8 +130,8 @@ krCollisionData* krCollisionObject::makeShape(const krMesh& mesh, const krMatrix
         // One corner that is not a number would spread through every contact it takes part in.
         if (!isFinite(w)) {
             delete data;
-            krMain::instance()->errorMsg("Collision mesh of '" + name +
-                                         "' has a corner that is not a finite number; the mesh is left out");
+            krMain::instance()->errorMsg("Collision mesh of " + describe() +
+                                         " has a corner that is not a finite number; the mesh is left out");
             return nullptr;
         }
         data->vertices[i] = w;

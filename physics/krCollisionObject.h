@@ -61,6 +61,8 @@ public:
     virtual void applyDamage(krModule* source, const krVector3& point, int32_t kind, int32_t subkind, float amount);
     virtual void setCollStyle(int32_t style) { collStyle = style; }
 
+    // How messages name the object: its name in quotes, or its class.
+    std::string describe() const { return name.empty() ? std::string("a ") + className() : "'" + name + "'"; }
     // The world this object is a direct child of, or null.
     krPhysics* getWorld() const { return world; }
 

@@ -30,6 +30,15 @@ Face faceOf(const krVector3* corners, int f) {
 // Where the edge from a to b crosses a surface: the ray result t with 0 <= t <= 1, else -1.
 bool onEdge(float t) { return t >= 0 && t <= 1; }
 
+// Whether the edge from offset (relative to a surface's corner) along dir reaches the plane of
+// the surface, whose edges have the cross product n, within its length. This is the ray test's
+// own parameter, reckoned the same way, so a miss here is a miss there: the full test, with
+// its two further products, runs only for edges that pass.
+bool reachesPlane(const krVector3& n, const krVector3& offset, const krVector3& dir) {
+    const float t = -dot(offset, n) / dot(dir, n);
+    return t >= 0 && t <= 1;
+}
+
 // Sphere test A: the body's sphere at its proposed position against the triangle (p0, a, b).
 // Inside the triangle the normal is `inside`, given lazily since most tests miss.
 template <class Normal>
@@ -112,49 +121,76 @@ void boxBox(krContactTable& table, krPhysObj* body, krPhysObj* other, const krVe
     for (int f = 0; f < 6 && !table.full(); ++f) {
         const Face otherFace = faceOf(otherCorners, f);
         const Face bodyFace = faceOf(bodyCorners, f);
+        const krVector3 otherPlane = cross(otherFace.e1, otherFace.e2);
+        const krVector3 bodyPlane = cross(bodyFace.e1, bodyFace.e2);
         for (int k = 0; k < 12; ++k) {
             const krVector3& a = bodyCorners[boxEdges[k][0]];
             const krVector3 dir = bodyCorners[boxEdges[k][1]] - a;
-            const float t = rayParallelogram(otherFace.e1, otherFace.e2, a - otherFace.c0, dir);
-            if (onEdge(t)) {
-                const krVector3 point = a + dir * t;
-                const krVector3 n = normalized(cross(otherFace.e2, otherFace.e1));
-                table.add(dot(n, relative(point)) + keyBoxEdgeInCandidateFace, point, n, body, nullptr, other,
-                          nullptr);
+            if (reachesPlane(otherPlane, a - otherFace.c0, dir)) {
+                const float t = rayParallelogram(otherFace.e1, otherFace.e2, a - otherFace.c0, dir);
+                if (onEdge(t)) {
+                    const krVector3 point = a + dir * t;
+                    const krVector3 n = normalized(cross(otherFace.e2, otherFace.e1));
+                    table.add(dot(n, relative(point)) + keyBoxEdgeInCandidateFace, point, n, body, nullptr, other,
+                              nullptr);
+                }
             }
             const krVector3& b = otherCorners[boxEdges[k][0]];
             const krVector3 dirB = otherCorners[boxEdges[k][1]] - b;
-            const float u = rayParallelogram(bodyFace.e1, bodyFace.e2, b - bodyFace.c0, dirB);
-            if (onEdge(u)) {
-                const krVector3 point = b + dirB * u;
-                const krVector3 n = normalized(cross(bodyFace.e1, bodyFace.e2));
-                table.add(dot(n, relative(point)) + keyCandidateEdgeInBodyFace, point, n, body, nullptr, other,
-                          nullptr);
+            if (reachesPlane(bodyPlane, b - bodyFace.c0, dirB)) {
+                const float u = rayParallelogram(bodyFace.e1, bodyFace.e2, b - bodyFace.c0, dirB);
+                if (onEdge(u)) {
+                    const krVector3 point = b + dirB * u;
+                    const krVector3 n = normalized(cross(bodyFace.e1, bodyFace.e2));
+                    table.add(dot(n, relative(point)) + keyCandidateEdgeInBodyFace, point, n, body, nullptr, other,
+                              nullptr);
+                }
             }
         }
     }
 }
 
+// The three edges of a triangle as origins and directions: c0 to c1, c0 to c2, c1 to c2.
+struct Edges {
+    krVector3 origin[3], dir[3];
+    explicit Edges(const Triangle& t) : origin{t.c0, t.c0, t.c1}, dir{t.c1 - t.c0, t.c2 - t.c0, t.c2 - t.c1} {}
+};
+
+// The six faces of a box with the cross products of their edges.
+struct Faces {
+    Face face[6];
+    krVector3 plane[6];
+    explicit Faces(const krVector3* corners) {
+        for (int f = 0; f < 6; ++f) {
+            face[f] = faceOf(corners, f);
+            plane[f] = cross(face[f].e1, face[f].e2);
+        }
+    }
+};
+
 void boxTriangle(krContactTable& table, krPhysObj* body, krCollisionObject* other, const krVector3* corners,
                  const Triangle& t) {
     const krVector3 e1 = t.c1 - t.c0, e2 = t.c2 - t.c0;
+    const krVector3 plane = cross(e1, e2);
     for (int k = 0; k < 12; ++k) {
         const krVector3& a = corners[boxEdges[k][0]];
         const krVector3 dir = corners[boxEdges[k][1]] - a;
+        if (!reachesPlane(plane, a - t.c0, dir)) continue;
         const float s = rayTriangle(e1, e2, a - t.c0, dir);
         if (!onEdge(s)) continue;
         const krVector3 point = a + dir * s;
         const krVector3 n = normalized(cross(e1, e2));
         table.add(dot(n, bodyVelocity(body, point)) + keySurface, point, n, body, nullptr, other, t.surface);
     }
-    const krVector3 origins[3] = {t.c0, t.c0, t.c1};
-    const krVector3 dirs[3] = {e1, e2, t.c2 - t.c1};
+    const Edges edges(t);
+    const Faces faces(corners);
     for (int i = 0; i < 3; ++i) {
         for (int f = 0; f < 6; ++f) {
-            const Face face = faceOf(corners, f);
-            const float s = rayParallelogram(face.e1, face.e2, origins[i] - face.c0, dirs[i]);
+            const Face& face = faces.face[f];
+            if (!reachesPlane(faces.plane[f], edges.origin[i] - face.c0, edges.dir[i])) continue;
+            const float s = rayParallelogram(face.e1, face.e2, edges.origin[i] - face.c0, edges.dir[i]);
             if (!onEdge(s)) continue;
-            const krVector3 point = origins[i] + dirs[i] * s;
+            const krVector3 point = edges.origin[i] + edges.dir[i] * s;
             const krVector3 n = normalized(cross(face.e1, face.e2));
             table.add(dot(n, bodyVelocity(body, point)) + keyTriangleEdgeInFace, point, n, body, nullptr, other,
                       t.surface);
@@ -165,23 +201,26 @@ void boxTriangle(krContactTable& table, krPhysObj* body, krCollisionObject* othe
 void triangleBox(krContactTable& table, krPhysObj* body, krCollisionObject* other, const Triangle& u,
                  const krVector3* corners) {
     const krVector3 e1 = u.c1 - u.c0, e2 = u.c2 - u.c0;
+    const krVector3 plane = cross(e1, e2);
     for (int k = 0; k < 12; ++k) {
         const krVector3& a = corners[boxEdges[k][0]];
         const krVector3 dir = corners[boxEdges[k][1]] - a;
+        if (!reachesPlane(plane, a - u.c0, dir)) continue;
         const float s = rayTriangle(e1, e2, a - u.c0, dir);
         if (!onEdge(s)) continue;
         const krVector3 point = a + dir * s;
         const krVector3 n = normalized(cross(e2, e1));
         table.add(dot(n, bodyVelocity(body, point)) + keySurface, point, n, body, u.surface, other, nullptr);
     }
-    const krVector3 origins[3] = {u.c0, u.c0, u.c1};
-    const krVector3 dirs[3] = {e1, e2, u.c2 - u.c1};
+    const Edges edges(u);
+    const Faces faces(corners);
     for (int i = 0; i < 3; ++i) {
         for (int f = 0; f < 6; ++f) {
-            const Face face = faceOf(corners, f);
-            const float s = rayParallelogram(face.e1, face.e2, origins[i] - face.c0, dirs[i]);
+            const Face& face = faces.face[f];
+            if (!reachesPlane(faces.plane[f], edges.origin[i] - face.c0, edges.dir[i])) continue;
+            const float s = rayParallelogram(face.e1, face.e2, edges.origin[i] - face.c0, edges.dir[i]);
             if (!onEdge(s)) continue;
-            const krVector3 point = origins[i] + dirs[i] * s;
+            const krVector3 point = edges.origin[i] + edges.dir[i] * s;
             const krVector3 n = normalized(cross(face.e2, face.e1));
             table.add(dot(n, bodyVelocity(body, point)) + keyTriangleEdgeInFace, point, n, body, u.surface, other,
                       nullptr);
@@ -193,21 +232,25 @@ void triangleTriangle(krContactTable& table, krPhysObj* body, krCollisionObject*
                       const Triangle& u) {
     const krVector3 te1 = t.c1 - t.c0, te2 = t.c2 - t.c0;
     const krVector3 ue1 = u.c1 - u.c0, ue2 = u.c2 - u.c0;
-    const krVector3 tOrigins[3] = {t.c0, t.c0, t.c1}, tDirs[3] = {te1, te2, t.c2 - t.c1};
-    const krVector3 uOrigins[3] = {u.c0, u.c0, u.c1}, uDirs[3] = {ue1, ue2, u.c2 - u.c1};
+    const krVector3 tPlane = cross(te1, te2), uPlane = cross(ue1, ue2);
+    const Edges tEdges(t), uEdges(u);
     for (int i = 0; i < 3; ++i) {
-        const float s = rayTriangle(ue1, ue2, tOrigins[i] - u.c0, tDirs[i]);
-        if (onEdge(s)) {
-            const krVector3 point = tOrigins[i] + tDirs[i] * s;
-            const krVector3 n = normalized(cross(ue2, ue1));
-            table.add(dot(n, bodyVelocity(body, point)), point, n, body, u.surface, other, t.surface);
+        if (reachesPlane(uPlane, tEdges.origin[i] - u.c0, tEdges.dir[i])) {
+            const float s = rayTriangle(ue1, ue2, tEdges.origin[i] - u.c0, tEdges.dir[i]);
+            if (onEdge(s)) {
+                const krVector3 point = tEdges.origin[i] + tEdges.dir[i] * s;
+                const krVector3 n = normalized(cross(ue2, ue1));
+                table.add(dot(n, bodyVelocity(body, point)), point, n, body, u.surface, other, t.surface);
+            }
         }
-        const float r = rayTriangle(te1, te2, uOrigins[i] - t.c0, uDirs[i]);
-        if (onEdge(r)) {
-            const krVector3 point = uOrigins[i] + uDirs[i] * r;
-            const krVector3 n = normalized(cross(te1, te2));
-            table.add(dot(n, bodyVelocity(body, point)) + keyBodyEdgeInTriangle, point, n, body, u.surface, other,
-                      t.surface);
+        if (reachesPlane(tPlane, uEdges.origin[i] - t.c0, uEdges.dir[i])) {
+            const float r = rayTriangle(te1, te2, uEdges.origin[i] - t.c0, uEdges.dir[i]);
+            if (onEdge(r)) {
+                const krVector3 point = uEdges.origin[i] + uEdges.dir[i] * r;
+                const krVector3 n = normalized(cross(te1, te2));
+                table.add(dot(n, bodyVelocity(body, point)) + keyBodyEdgeInTriangle, point, n, body, u.surface,
+                          other, t.surface);
+            }
         }
     }
 }

@@ -87,7 +87,13 @@ bool krPhysObj::update(float elapsed) {
         worldRotation = rotation;
         if (krPhysics* w = getWorld()) w->moveInGrid(this, currentBox, nextBox);
         currentBox = nextBox;
-        const auto f = static_cast<float>(std::pow(dampingPerSecond, static_cast<double>(elapsed)));
+        // Substeps of a world are alike: the power is taken again only when the step changes.
+        static float lastElapsed = 0, lastFactor = 1;
+        if (elapsed != lastElapsed) {
+            lastFactor = static_cast<float>(std::pow(dampingPerSecond, static_cast<double>(elapsed)));
+            lastElapsed = elapsed;
+        }
+        const float f = lastFactor;
         velocity *= f;
         angularVelocity *= f;
         if (lengthSquared(velocity) < calmSpeedSquared && lengthSquared(angularVelocity) < calmSpinSquared) {
@@ -147,6 +153,10 @@ void krPhysObj::stop() {
 }
 
 void krPhysObj::setMass(float m) {
+    if (!(std::isfinite(m) && m >= 0 && m <= krMaxMass)) {
+        krMain::instance()->errorMsg("Mass of " + describe() + " refused: it must be a number from 0 to 1e30");
+        return;
+    }
     mass = m;
     recomputeInertia();
     // Without mass there is nothing to integrate: the body can only stand.
@@ -177,7 +187,7 @@ bool krPhysObj::collectObjects(krCollectResult& result, const krBox& query) {
 
 void krPhysObj::setPosition(const krVector3& p) {
     if (!isFinite(p)) {
-        krMain::instance()->errorMsg("Position of '" + name + "' refused: not a finite number");
+        krMain::instance()->errorMsg("Position of " + describe() + " refused: not a finite number");
         return;
     }
     nextPosition = p;
@@ -187,7 +197,7 @@ void krPhysObj::setPosition(const krVector3& p) {
 
 void krPhysObj::setOrientation(const krQuat& q) {
     if (!isFinite(q)) {
-        krMain::instance()->errorMsg("Orientation of '" + name + "' refused: not a finite number");
+        krMain::instance()->errorMsg("Orientation of " + describe() + " refused: not a finite number");
         return;
     }
     nextOrientation = q;

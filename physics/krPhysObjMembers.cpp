@@ -85,10 +85,7 @@ krVariant* krPhysObj::getMember(const std::string& member, krBlock* caller, cons
 void krPhysObj::setMember(const std::string& member, krVariant* value) {
     const float f = value->toFloat();
     if (member == "mass") {
-        if (!(std::isfinite(f) && f >= 0 && f <= krMaxMass))
-            krMain::instance()->errorMsg("mass must be a number from 0 to 1e30, not " + value->toString());
-        else
-            setMass(f);
+        setMass(f);
     } else if (member == "airResistance" || member == "vx" || member == "vy" || member == "vz") {
         if (!std::isfinite(f)) refuse(member, value);
         else if (member == "airResistance") airResistance = f;

@@ -70,7 +70,7 @@ void krPhysObj::readState(const uint8_t* buffer, int32_t size, float lag) {
         target = krVector3(p[0], p[1], p[2]);
         // A position that is not a number would carry into every contact of the body.
         if (!isFinite(target)) {
-            krMain::instance()->errorMsg("State of '" + name + "' ignored: its position is not a finite number");
+            krMain::instance()->errorMsg("State of " + describe() + " ignored: its position is not a finite number");
             return;
         }
     }

@@ -183,7 +183,7 @@ void krPhysics::applyExternalForces(float dt) {
 void krPhysics::quarantine(krPhysObj* body) {
     // Someone wrote a value that is not a number into the body, and it would carry it into
     // everything it touches. It stops where it was last whole.
-    krMain::instance()->errorMsg("Body '" + body->name + "' stopped: its motion is not a finite number");
+    krMain::instance()->errorMsg("Body " + body->describe() + " stopped: its motion is not a finite number");
     if (!isFinite(body->position)) body->position = isFinite(body->nextPosition) ? body->nextPosition : krVector3();
     if (!isFinite(body->rotation)) body->rotation = krQuat::identity;
     body->nextPosition = body->position;
