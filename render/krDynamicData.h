@@ -2,7 +2,8 @@
 // lines, particles) is drawn from small records that the owner keeps in its own memory. The owner
 // asks its video once for an item (krVideo::createDynamicItem, createTextItem); the item reads the
 // record every time it draws, so writing the record's fields changes what is drawn. A new texture
-// name goes through krVideo::setItemData. The record must outlive its item.
+// name goes through krVideo::setItemData. The record must outlive its item. An owner drops an
+// item by deleting it; otherwise it goes with the module's item list when the module goes.
 //
 // This header is the whole interface owners need; the items themselves belong to the video.
 #pragma once

@@ -361,3 +361,81 @@ TEST_F(GLDynamicItems, ShadedPointsSizeThemselvesInTheStockProgram) {
     EXPECT_EQ(pixel(40, 24), rgb(green));
     EXPECT_EQ(pixel(32, 24), 0u);
 }
+
+TEST_F(GLDynamicItems, ItemsMadeBeforeAWindowOrAcrossANewOneTakeTheirTexturesAgain) {
+    writeTestFont();
+    files.write("t/blue.dds", solidTexture(0xFF0000FF));
+    // Owners may ask for items before the window has a context.
+    overlay = module(window);
+    krTextData text;
+    text.font = "t/font";
+    text.text = "A";
+    text.position = {0.1f, 0.1f, 0};
+    text.size = {textSize, textSize, 1};
+    text.color = red;
+    krVideoItem* label = video->createTextItem(overlay, &text, krDynamicKind::interfaceText);
+    krVertex v[4] = {};
+    const float corners[4][2] = {{0.5f, 0.1f}, {0.6f, 0.1f}, {0.6f, 0.2f}, {0.5f, 0.2f}};
+    for (int i = 0; i < 4; ++i) v[i].position = {corners[i][0], corners[i][1], 0};
+    krDynamicData fill;
+    fill.vertices = v;
+    fill.count = 4;
+    fill.textures[0] = "t/blue.dds";
+    krVideoItem* quad = video->createDynamicItem(overlay, &fill, krDynamicKind::interfaceQuads);
+    ASSERT_TRUE(label && quad);
+    EXPECT_EQ(textures()->useCount("t/blue.dds"), 0);
+
+    for (int round = 0; round < 2; ++round) {
+        // The second round makes the window anew: what lived in the old context went with it.
+        ASSERT_TRUE(open(overlayWidth, overlayHeight));
+        if (round == 0) viewport(0, 0, overlayWidth, overlayHeight, overlay, true);
+        ASSERT_TRUE(frame());
+        EXPECT_EQ(top(30, 30), rgb(red)) << round;
+        EXPECT_EQ(top(110, 30), rgb(blue)) << round;
+        EXPECT_EQ(textures()->useCount("t/blue.dds"), 1);
+        EXPECT_EQ(textures()->useCount("t/font/normal.dds"), 1);
+    }
+    delete quad;
+    delete label;
+    EXPECT_EQ(textures()->useCount("t/blue.dds"), 0);
+    EXPECT_EQ(textures()->useCount("t/font/normal.dds"), 0);
+    EXPECT_EQ(video->getFonts()->useCount("t/font"), 0);
+    EXPECT_TRUE(reports().errors.empty());
+}
+
+TEST_F(GLDynamicItems, BackFacesAreCulledUnlessToldAndTracersBlendInTheAlphaPass) {
+    ASSERT_TRUE(openScene());
+    // A square at 5 deep, wound clockwise as the eye sees it: its back faces the eye.
+    krVertex back[4] = {};
+    const float corners[4][2] = {{-1, -1}, {-1, 1}, {1, 1}, {1, -1}};
+    for (int i = 0; i < 4; ++i) {
+        back[i].position = {corners[i][0], corners[i][1], -5};
+        back[i].color = red;
+    }
+    krDynamicData data;
+    data.vertices = back;
+    data.count = 4;
+    video->createDynamicItem(module(scene), &data, krDynamicKind::required | krDynamicKind::quads);
+    ASSERT_TRUE(frame());
+    EXPECT_EQ(pixel(32, 24), 0u);
+    krVideoItem* twoSided = video->createDynamicItem(
+        module(scene), &data, krDynamicKind::required | krDynamicKind::quads | krDynamicKind::noCulling);
+    ASSERT_TRUE(frame());
+    EXPECT_EQ(pixel(32, 24), 0xCC0000u);
+    delete twoSided;
+
+    // A tracer in front, half transparent, waits for the alpha pass and blends over the square.
+    krVertex front[4] = {};
+    for (int i = 0; i < 4; ++i) {
+        front[i].position = {corners[3 - i][0], corners[3 - i][1], -4};
+        front[i].color = krColor(0, 255, 0, 128);
+        back[i].position = front[i].position - krVector3(0, 0, 1);
+    }
+    krDynamicData tracer;
+    tracer.vertices = front;
+    tracer.count = 4;
+    video->createDynamicItem(module(scene), &tracer, krDynamicKind::tracers);
+    ASSERT_TRUE(frame());
+    EXPECT_NEAR(glTesting::red(pixel(32, 24)), 102, 2);
+    EXPECT_NEAR(glTesting::green(pixel(32, 24)), 102, 2);
+}
