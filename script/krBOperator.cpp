@@ -4,12 +4,80 @@
 #include "script/krBOperator.h"
 
 #include <cmath>
+#include <iterator>
 
 namespace {
 
 int32_t wrapAdd(int32_t a, int32_t b) { return static_cast<int32_t>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b)); }
 int32_t wrapSub(int32_t a, int32_t b) { return static_cast<int32_t>(static_cast<uint32_t>(a) - static_cast<uint32_t>(b)); }
 int32_t wrapMul(int32_t a, int32_t b) { return static_cast<int32_t>(static_cast<uint32_t>(a) * static_cast<uint32_t>(b)); }
+
+template <krOp O>
+krBOperator* makeOp(krBlock* parent) {
+    return new krBOp<O>(parent);
+}
+
+// Left types that compound assignments change in place.
+constexpr uint16_t numbers = 1u << krTypeInt | 1u << krTypeFloat;
+constexpr uint16_t ints = 1u << krTypeInt;
+constexpr uint16_t bools = 1u << krTypeBool;
+constexpr uint16_t texts = numbers | 1u << krTypeString;
+
+#define KR_OPERATOR(text, op, level, plain, accepts) \
+    krOperatorInfo { text, krOp::op, level, level == 14, krOp::plain, accepts, makeOp<krOp::op> }
+
+// In the order of krOp. Level 14, the assignments, groups to the right; everything else to the left.
+constexpr krOperatorInfo operators[] = {
+    KR_OPERATOR("?", defaultValue, 1, defaultValue, 0),
+    KR_OPERATOR("!", notOp, 2, notOp, 0),
+    KR_OPERATOR("~", binNot, 2, binNot, 0),
+    KR_OPERATOR("++", increase, 2, increase, 0),
+    KR_OPERATOR("--", decrease, 2, decrease, 0),
+    KR_OPERATOR("!!", assignNot, 2, assignNot, 0),
+    KR_OPERATOR("~~", assignBinNot, 2, assignBinNot, 0),
+    KR_OPERATOR("*", multiply, 3, multiply, 0),
+    KR_OPERATOR("/", divide, 3, divide, 0),
+    KR_OPERATOR("%", remainder, 3, remainder, 0),
+    KR_OPERATOR("+", add, 4, add, 0),
+    KR_OPERATOR("-", subtract, 4, subtract, 0),
+    KR_OPERATOR("<<", shiftLeft, 5, shiftLeft, 0),
+    KR_OPERATOR(">>", shiftRight, 5, shiftRight, 0),
+    KR_OPERATOR("<", lower, 6, lower, 0),
+    KR_OPERATOR("<=", lowerEqual, 6, lowerEqual, 0),
+    KR_OPERATOR(">", greater, 6, greater, 0),
+    KR_OPERATOR(">=", greaterEqual, 6, greaterEqual, 0),
+    KR_OPERATOR("==", equal, 7, equal, 0),
+    KR_OPERATOR("!=", notEqual, 7, notEqual, 0),
+    KR_OPERATOR("&", binAnd, 8, binAnd, 0),
+    KR_OPERATOR("^", binXor, 9, binXor, 0),
+    KR_OPERATOR("|", binOr, 10, binOr, 0),
+    KR_OPERATOR("&&", andOp, 11, andOp, 0),
+    KR_OPERATOR("^^", xorOp, 12, xorOp, 0),
+    KR_OPERATOR("||", orOp, 13, orOp, 0),
+    KR_OPERATOR("=", assign, 14, assign, 0),
+    KR_OPERATOR("+=", assignAdd, 14, add, texts),
+    KR_OPERATOR("-=", assignSubtract, 14, subtract, numbers),
+    KR_OPERATOR("*=", assignMultiply, 14, multiply, numbers),
+    KR_OPERATOR("/=", assignDivide, 14, divide, numbers),
+    KR_OPERATOR("%=", assignRemainder, 14, remainder, numbers),
+    KR_OPERATOR("&&=", assignAnd, 14, andOp, bools),
+    KR_OPERATOR("||=", assignOr, 14, orOp, bools),
+    KR_OPERATOR("^^=", assignXor, 14, xorOp, bools),
+    KR_OPERATOR("&=", assignBinAnd, 14, binAnd, ints),
+    KR_OPERATOR("|=", assignBinOr, 14, binOr, ints),
+    KR_OPERATOR("^=", assignBinXor, 14, binXor, ints),
+    KR_OPERATOR("<<=", assignShiftLeft, 14, shiftLeft, ints),
+    KR_OPERATOR(">>=", assignShiftRight, 14, shiftRight, ints),
+    KR_OPERATOR("?=", assignDefaultValue, 14, assignDefaultValue, 0),
+};
+#undef KR_OPERATOR
+
+constexpr bool inOrder() {
+    for (size_t i = 0; i < std::size(operators); ++i)
+        if (static_cast<size_t>(operators[i].op) != i) return false;
+    return true;
+}
+static_assert(inOrder(), "the operator table follows krOp");
 
 // The integer forms of the arithmetic and bit operators; false after a reported division by zero.
 template <krOp op>
@@ -120,69 +188,18 @@ bool compare(krOp op, krVariant* a, krVariant* b) {
     }
 }
 
-// The plain operator behind a compound assignment.
-constexpr krOp plainOf(krOp op) {
-    switch (op) {
-    case krOp::assignAdd: return krOp::add;
-    case krOp::assignSubtract: return krOp::subtract;
-    case krOp::assignMultiply: return krOp::multiply;
-    case krOp::assignDivide: return krOp::divide;
-    case krOp::assignRemainder: return krOp::remainder;
-    case krOp::assignBinAnd: return krOp::binAnd;
-    case krOp::assignBinOr: return krOp::binOr;
-    case krOp::assignBinXor: return krOp::binXor;
-    case krOp::assignShiftLeft: return krOp::shiftLeft;
-    case krOp::assignShiftRight: return krOp::shiftRight;
-    case krOp::assignAnd: return krOp::andOp;
-    case krOp::assignOr: return krOp::orOp;
-    default: return krOp::xorOp;
-    }
-}
-
-const char* compoundText(krOp op) {
-    switch (op) {
-    case krOp::assignAdd: return "+=";
-    case krOp::assignSubtract: return "-=";
-    case krOp::assignMultiply: return "*=";
-    case krOp::assignDivide: return "/=";
-    case krOp::assignRemainder: return "%=";
-    case krOp::assignAnd: return "&&=";
-    case krOp::assignOr: return "||=";
-    case krOp::assignXor: return "^^=";
-    case krOp::assignBinAnd: return "&=";
-    case krOp::assignBinOr: return "|=";
-    case krOp::assignBinXor: return "^=";
-    case krOp::assignShiftLeft: return "<<=";
-    default: return ">>=";
-    }
-}
-
-// Whether a compound assignment accepts a left value of type `t`.
-bool compoundAccepts(krOp op, int t) {
-    switch (op) {
-    case krOp::assignAdd: return t == krTypeInt || t == krTypeFloat || t == krTypeString;
-    case krOp::assignSubtract:
-    case krOp::assignMultiply:
-    case krOp::assignDivide:
-    case krOp::assignRemainder: return t == krTypeInt || t == krTypeFloat;
-    case krOp::assignAnd:
-    case krOp::assignOr:
-    case krOp::assignXor: return t == krTypeBool;
-    default: return t == krTypeInt;
-    }
-}
-
 // Changes `target` in place by `op` with `operand`; a frozen target is left alone and the result
 // comes back as a new value instead. Returns the value that stands for the result (one reference
 // for the caller, the target's own reference passed on) or null after a report.
 template <krOp op>
 krVariant* compound(krVariant* target, krVariant* operand, krBlock* side, const krBlock* where) {
     const int t = target->type();
-    if (!compoundAccepts(op, t)) {
-        reportError(where, std::string("Operator ") + compoundText(op) + " undefined for this type");
+    constexpr const krOperatorInfo& row = operators[static_cast<size_t>(op)];
+    if (!(row.accepts & (1u << t))) {
+        reportError(where, std::string("Operator ") + row.text + " undefined for this type");
         return target;
     }
-    constexpr krOp plain = plainOf(op);
+    constexpr krOp plain = row.plain;
     if (t == krTypeInt && target->storage() == krStorage::integer && operand->storage() == krStorage::integer &&
         !target->isFrozen()) {
         int32_t& raw = static_cast<krVInt*>(target)->raw();
@@ -214,26 +231,6 @@ krVariant* compound(krVariant* target, krVariant* operand, krBlock* side, const 
     }
     if (copied) side->adoptCopy(out);
     return out;
-}
-
-constexpr int levelOf(krOp op) {
-    switch (op) {
-    case krOp::defaultValue: return 1;
-    case krOp::notOp: case krOp::binNot: case krOp::increase: case krOp::decrease:
-    case krOp::assignNot: case krOp::assignBinNot: return 2;
-    case krOp::multiply: case krOp::divide: case krOp::remainder: return 3;
-    case krOp::add: case krOp::subtract: return 4;
-    case krOp::shiftLeft: case krOp::shiftRight: return 5;
-    case krOp::lower: case krOp::lowerEqual: case krOp::greater: case krOp::greaterEqual: return 6;
-    case krOp::equal: case krOp::notEqual: return 7;
-    case krOp::binAnd: return 8;
-    case krOp::binXor: return 9;
-    case krOp::binOr: return 10;
-    case krOp::andOp: return 11;
-    case krOp::xorOp: return 12;
-    case krOp::orOp: return 13;
-    default: return 14;
-    }
 }
 
 // Both sides of a binary operator, evaluated in the operator's order, each with a reference that
@@ -294,12 +291,7 @@ krVariant* krBOperator::makeBool(bool v) { return reuse<krVBool, krStorage::bool
 krVariant* krBOperator::makeString(std::string&& v) { return reuse<krVString, krStorage::text>(std::move(v)); }
 
 bool krBOperator::isConst() {
-    return (!left || left->isConst()) && (!right || right->isConst());
-}
-
-template <krOp O>
-int krBOp<O>::level() const {
-    return levelOf(O);
+    return (!left || krFixed(left)) && (!right || krFixed(right));
 }
 
 template <krOp O>
@@ -461,39 +453,10 @@ template class krBOp<krOp::assignShiftLeft>;
 template class krBOp<krOp::assignShiftRight>;
 template class krBOp<krOp::assignDefaultValue>;
 
-namespace {
-struct OperatorText {
-    const char* text;
-    krBOperator* (*make)(krBlock*);
-};
+const krOperatorInfo& krOperatorOf(krOp op) { return operators[static_cast<size_t>(op)]; }
 
-template <krOp O>
-krBOperator* makeOp(krBlock* parent) {
-    return new krBOp<O>(parent);
-}
-
-const OperatorText operatorTable[] = {
-    {"?", makeOp<krOp::defaultValue>}, {"!", makeOp<krOp::notOp>}, {"~", makeOp<krOp::binNot>},
-    {"++", makeOp<krOp::increase>}, {"--", makeOp<krOp::decrease>}, {"!!", makeOp<krOp::assignNot>},
-    {"~~", makeOp<krOp::assignBinNot>}, {"*", makeOp<krOp::multiply>}, {"/", makeOp<krOp::divide>},
-    {"%", makeOp<krOp::remainder>}, {"+", makeOp<krOp::add>}, {"-", makeOp<krOp::subtract>},
-    {"<<", makeOp<krOp::shiftLeft>}, {">>", makeOp<krOp::shiftRight>}, {"<", makeOp<krOp::lower>},
-    {"<=", makeOp<krOp::lowerEqual>}, {">", makeOp<krOp::greater>}, {">=", makeOp<krOp::greaterEqual>},
-    {"==", makeOp<krOp::equal>}, {"!=", makeOp<krOp::notEqual>}, {"&", makeOp<krOp::binAnd>},
-    {"^", makeOp<krOp::binXor>}, {"|", makeOp<krOp::binOr>}, {"&&", makeOp<krOp::andOp>},
-    {"^^", makeOp<krOp::xorOp>}, {"||", makeOp<krOp::orOp>}, {"=", makeOp<krOp::assign>},
-    {"+=", makeOp<krOp::assignAdd>}, {"-=", makeOp<krOp::assignSubtract>},
-    {"*=", makeOp<krOp::assignMultiply>}, {"/=", makeOp<krOp::assignDivide>},
-    {"%=", makeOp<krOp::assignRemainder>}, {"&&=", makeOp<krOp::assignAnd>},
-    {"||=", makeOp<krOp::assignOr>}, {"^^=", makeOp<krOp::assignXor>}, {"&=", makeOp<krOp::assignBinAnd>},
-    {"|=", makeOp<krOp::assignBinOr>}, {"^=", makeOp<krOp::assignBinXor>},
-    {"<<=", makeOp<krOp::assignShiftLeft>}, {">>=", makeOp<krOp::assignShiftRight>},
-    {"?=", makeOp<krOp::assignDefaultValue>},
-};
-}
-
-krBOperator* krMakeOperator(const std::string& text, krBlock* parent) {
-    for (const OperatorText& op : operatorTable)
-        if (text == op.text) return op.make(parent);
+const krOperatorInfo* krFindOperator(std::string_view text) {
+    for (const krOperatorInfo& row : operators)
+        if (text == row.text) return &row;
     return nullptr;
 }

@@ -3,6 +3,8 @@
 // type decides how both are read: float, string, or else int.
 #pragma once
 
+#include <string_view>
+
 #include "script/krBlock.h"
 
 enum class krOp : uint8_t {
@@ -20,6 +22,23 @@ enum class krOp : uint8_t {
     assignShiftLeft, assignShiftRight, assignDefaultValue,
 };
 
+class krBOperator;
+
+// Everything the language says about one operator, in one row of one table (krBOperator.cpp).
+struct krOperatorInfo {
+    const char* text;
+    krOp op;
+    // Binding strength: a low level binds tighter.
+    uint8_t level;
+    bool groupsRight;
+    // For a compound assignment the operator whose arithmetic it does in place; else itself.
+    krOp plain;
+    // For a compound assignment the bits (1 << type) of the left types it changes; else 0.
+    uint16_t accepts;
+    // Makes the node of this operator.
+    krBOperator* (*make)(krBlock* parent);
+};
+
 class krBOperator : public krBlock {
 public:
     explicit krBOperator(krBlock* parent) : krBlock(parent) {}
@@ -27,9 +46,7 @@ public:
     bool isConst() override;
     virtual void setLeft(krBlock* l) { left = l; }
     virtual void setRight(krBlock* r) { right = r; }
-    // Binding strength: a low level binds tighter.
-    virtual int level() const = 0;
-    virtual bool groupsRight() const = 0;
+    virtual const krOperatorInfo& info() const = 0;
 
     // A result the node itself may fill again: its last result when nobody else holds it any
     // more, so arithmetic in loops does not make a new value per step. The caller gets its own
@@ -52,56 +69,17 @@ private:
     krVariant* scratch = nullptr;
 };
 
+// The row of an operator.
+const krOperatorInfo& krOperatorOf(krOp op);
+
+// One node class per operator.
 template <krOp O>
 class krBOp final : public krBOperator {
 public:
     explicit krBOp(krBlock* parent) : krBOperator(parent) {}
     krVariant* eval() override;
-    int level() const override;
-    bool groupsRight() const override { return level() == 14; }
+    const krOperatorInfo& info() const override { return krOperatorOf(O); }
 };
 
-using krBDefaultValue = krBOp<krOp::defaultValue>;
-using krBNot = krBOp<krOp::notOp>;
-using krBBinNot = krBOp<krOp::binNot>;
-using krBIncrease = krBOp<krOp::increase>;
-using krBDecrease = krBOp<krOp::decrease>;
-using krBAssignNot = krBOp<krOp::assignNot>;
-using krBAssignBinNot = krBOp<krOp::assignBinNot>;
-using krBMultiply = krBOp<krOp::multiply>;
-using krBDivide = krBOp<krOp::divide>;
-using krBRemainder = krBOp<krOp::remainder>;
-using krBAdd = krBOp<krOp::add>;
-using krBSubtract = krBOp<krOp::subtract>;
-using krBShiftLeft = krBOp<krOp::shiftLeft>;
-using krBShiftRight = krBOp<krOp::shiftRight>;
-using krBLower = krBOp<krOp::lower>;
-using krBLowerEqual = krBOp<krOp::lowerEqual>;
-using krBGreater = krBOp<krOp::greater>;
-using krBGreaterEqual = krBOp<krOp::greaterEqual>;
-using krBEqual = krBOp<krOp::equal>;
-using krBNotEqual = krBOp<krOp::notEqual>;
-using krBBinAnd = krBOp<krOp::binAnd>;
-using krBBinXor = krBOp<krOp::binXor>;
-using krBBinOr = krBOp<krOp::binOr>;
-using krBAnd = krBOp<krOp::andOp>;
-using krBXor = krBOp<krOp::xorOp>;
-using krBOr = krBOp<krOp::orOp>;
-using krBAssign = krBOp<krOp::assign>;
-using krBAssignAdd = krBOp<krOp::assignAdd>;
-using krBAssignSubtract = krBOp<krOp::assignSubtract>;
-using krBAssignMultiply = krBOp<krOp::assignMultiply>;
-using krBAssignDivide = krBOp<krOp::assignDivide>;
-using krBAssignRemainder = krBOp<krOp::assignRemainder>;
-using krBAssignAnd = krBOp<krOp::assignAnd>;
-using krBAssignOr = krBOp<krOp::assignOr>;
-using krBAssignXor = krBOp<krOp::assignXor>;
-using krBAssignBinAnd = krBOp<krOp::assignBinAnd>;
-using krBAssignBinOr = krBOp<krOp::assignBinOr>;
-using krBAssignBinXor = krBOp<krOp::assignBinXor>;
-using krBAssignShiftLeft = krBOp<krOp::assignShiftLeft>;
-using krBAssignShiftRight = krBOp<krOp::assignShiftRight>;
-using krBAssignDefaultValue = krBOp<krOp::assignDefaultValue>;
-
-// Makes the node of an operator; null for a text that is no operator.
-krBOperator* krMakeOperator(const std::string& text, krBlock* parent);
+// The row of the operator written `text`, or null for a text that is no operator.
+const krOperatorInfo* krFindOperator(std::string_view text);

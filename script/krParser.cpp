@@ -63,7 +63,6 @@ private:
     struct Statement {
         krBlock* node = nullptr;
         bool blockEnd = false;
-        bool definition = false;
     };
 
     void skip();
@@ -81,6 +80,7 @@ private:
         if (*p) ++p;
     }
     bool tooDeep(krBlock* where);
+    void abandon(krBlock* where);
 
     std::string readWord();
     krBOperator* readOperator(krBlock* parent);
@@ -145,12 +145,16 @@ bool Parser::expect(krBlock* where, char c) {
 bool Parser::tooDeep(krBlock* where) {
     if (abandoned) return true;
     if (!krSystem::stackLow()) return false;
-    // Nesting this deep cannot be parsed safely: report once and drop the rest of the text,
-    // which unwinds every level at the end of the text.
+    abandon(where);
+    return true;
+}
+
+void Parser::abandon(krBlock* where) {
+    // Nesting this deep cannot be parsed or run safely: report once and drop the rest of the
+    // text, which unwinds every level at the end of the text.
     report(where, "Script nested too deeply");
     abandoned = true;
     p += std::strlen(p);
-    return true;
 }
 
 std::string Parser::readWord() {
@@ -165,7 +169,8 @@ krBOperator* Parser::readOperator(krBlock* parent) {
     size_t n = 0;
     while (n < 3 && isOperatorChar(p[n])) ++n;
     for (; n > 0; --n) {
-        if (krBOperator* op = krMakeOperator(std::string(start, n), parent)) {
+        if (const krOperatorInfo* row = krFindOperator(std::string_view(start, n))) {
+            krBOperator* op = row->make(parent);
             p = start + n;
             op->setLine(line);
             return op;
@@ -205,8 +210,9 @@ krBlock* Parser::buildTree(std::vector<Slot>& slots, size_t lo, size_t hi) {
     for (size_t i = hi + 1; i-- > lo;) {
         krBOperator* op = slots[i].op;
         if (!op) continue;
-        if (op->level() > best || (op->level() == best && op->groupsRight())) {
-            best = op->level();
+        const krOperatorInfo& row = op->info();
+        if (row.level > best || (row.level == best && row.groupsRight)) {
+            best = row.level;
             chosen = i;
         }
     }
@@ -252,6 +258,9 @@ krBlock* Parser::parseExpression(krBlock* parent, const char* terminators) {
         delete s.op;
     };
 
+    // Member and index links on the last operand: the parser follows them in a loop, but every
+    // later walk of the tree recurses once per link.
+    size_t links = 0;
     skip();
     while (*p) {
         const char c = *p;
@@ -265,6 +274,10 @@ krBlock* Parser::parseExpression(krBlock* parent, const char* terminators) {
         if (lastIsOperand && !slots.empty()) {
             Slot& last = slots.back();
             if (c == '.' || c == '[') {
+                if (++links > krParser::maxChainLinks) {
+                    abandon(parent);
+                    break;
+                }
                 last.operand = c == '.' ? parseMember(parent, last.operand) : parseIndex(parent, last.operand);
                 if (!last.operand) {
                     slots.pop_back();
@@ -283,6 +296,7 @@ krBlock* Parser::parseExpression(krBlock* parent, const char* terminators) {
         if (operand) {
             push(Slot{operand, nullptr});
             lastIsOperand = true;
+            links = 0;
             if (statement.blockEnd) {
                 // Step back, so that the caller's consuming of a terminator lands behind it.
                 --p;
@@ -576,7 +590,6 @@ krBlock* Parser::parseWord(krBlock* parent, const std::string& word, Statement& 
         krFunction* f = newFunction(parent);
         parseParams(f);
         parseBody(f);
-        statement.definition = true;
         if (krScript* s = f->getScript()) s->setFunction(name, f);
         else f->retire();
         return nullptr;
@@ -630,7 +643,6 @@ krBlock* Parser::parseWord(krBlock* parent, const std::string& word, Statement& 
     if (word == "destructor") {
         krFunction* f = newFunction(parent);
         parseBody(f);
-        statement.definition = true;
         if (krScript* s = f->getScript()) s->setDestructor(f);
         else f->retire();
         return nullptr;
