@@ -154,9 +154,9 @@ void krBKey::assign(krVariant* value) {
 }
 
 bool krBKey::isConst() {
-    if (!left || !left->isConst()) return false;
+    if (!krFixed(left)) return false;
     for (krBlock* b : args)
-        if (!b->isConst()) return false;
+        if (!krFixed(b)) return false;
     return true;
 }
 
@@ -193,4 +193,4 @@ void krBIndex::assign(krVariant* value) {
     target->release();
 }
 
-bool krBIndex::isConst() { return left && index && left->isConst() && index->isConst(); }
+bool krBIndex::isConst() { return krFixed(left) && krFixed(index); }

@@ -13,7 +13,7 @@ krBFuncCall::~krBFuncCall() {
 bool krBFuncCall::isConst() {
     if (!foldable) return false;
     for (krBlock* b : args)
-        if (!b->isConst()) return false;
+        if (!krFixed(b)) return false;
     return true;
 }
 
@@ -56,7 +56,10 @@ void bind(krScript* s, krBlock* objectExpr, const std::string& name, krFunction*
 }
 }
 
-krBEventInit::~krBEventInit() { delete object; }
+krBEventInit::~krBEventInit() {
+    delete object;
+    if (handler) handler->drop();
+}
 
 krVariant* krBEventInit::eval() {
     if (object && handler && script) bind(script, object, name, handler);
@@ -66,6 +69,7 @@ krVariant* krBEventInit::eval() {
 krBDynEventInit::~krBDynEventInit() {
     delete nameExpr;
     delete object;
+    if (handler) handler->drop();
 }
 
 krVariant* krBDynEventInit::eval() {

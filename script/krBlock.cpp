@@ -92,7 +92,7 @@ krVariant* krBConstArray::eval() {
 
 bool krBConstArray::isConst() {
     for (krBlock* b : elements)
-        if (!b->isConst()) return false;
+        if (!krFixed(b)) return false;
     return true;
 }
 

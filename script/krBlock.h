@@ -45,7 +45,12 @@ public:
     krScript* getScript() const { return script; }
     void setLine(int32_t l) { line = l; }
     int32_t getLine() const { return line; }
+    // Whether the node's value is fixed once it is built, so the parser may fold it. Nodes are
+    // asked right after their operands were built and folded: an operand is fixed only as a
+    // folded constant, so the answer looks one level down and never walks a whole chain.
     virtual bool isConst() { return false; }
+    // A folded constant.
+    virtual bool isLiteral() const { return false; }
     // The variable layout of the function this node belongs to; null outside functions.
     virtual krFrameLayout* frameLayout();
 
@@ -87,6 +92,7 @@ public:
     krVariant* eval() override { return value ? value->addRef() : nullptr; }
     void assign(krVariant* v) override;
     bool isConst() override { return !value || value->isConst(); }
+    bool isLiteral() const override { return true; }
 
 private:
     krVariant* value;
@@ -103,6 +109,9 @@ public:
 private:
     std::vector<krBlock*> elements;
 };
+
+// An operand of a node being folded that is fixed: a folded constant with a constant value.
+inline bool krFixed(krBlock* operand) { return operand && operand->isLiteral() && operand->isConst(); }
 
 // The reports of script errors: "Scripting error" with file and line, a newline, the message.
 // The handler shows it; at start a message box, once the host runs the root's errorMsg.

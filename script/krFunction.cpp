@@ -19,15 +19,6 @@ void krFunction::addParam(const std::string& name) {
     paramSlots.push_back(layout.slot(name, true));
 }
 
-krVariant* krFunction::eval() {
-    // Nested calls set these again; take them before anything runs.
-    const std::vector<krBlock*>* blocks = argBlocks;
-    const krArgs* values = argValues;
-    argBlocks = nullptr;
-    argValues = nullptr;
-    return call(blocks, values);
-}
-
 krVariant* krFunction::call(const std::vector<krBlock*>* blocks, const krArgs* values) {
     if (orphaned || !script) return nullptr;
     if (krSystem::stackLow()) return reportError(this, "Recursion too deep");
@@ -72,11 +63,16 @@ krVariant* krFunction::call(const std::vector<krBlock*>* blocks, const krArgs* v
     return result;
 }
 
-void krFunction::letGo() {
-    if (--holds <= 0 && orphaned) delete this;
+void krFunction::drop() {
+    if (--keepers <= 0 && holds <= 0) destroy();
 }
 
-void krFunction::retire() {
-    orphaned = true;
-    if (holds <= 0) delete this;
+void krFunction::letGo() {
+    if (--holds <= 0 && keepers <= 0) destroy();
+}
+
+void krFunction::destroy() {
+    // An event handler that nothing keeps leaves its script's list; an orphan's script is gone.
+    if (!orphaned && script) script->forgetEventFunction(this);
+    delete this;
 }

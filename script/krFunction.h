@@ -27,27 +27,27 @@ public:
     explicit krFunction(krBlock* parent) : krMultiBlock(parent) {}
 
     krFrameLayout* frameLayout() override { return &layout; }
-    // A call with the present argument blocks or values.
-    krVariant* eval() override;
+    // A call without arguments.
+    krVariant* eval() override { return call(nullptr, nullptr); }
     virtual void addParam(const std::string& name);
-    virtual void setArgBlocks(const std::vector<krBlock*>* blocks) {
-        argBlocks = blocks;
-        argValues = nullptr;
-    }
-    virtual void setArgValues(const krArgs* values) {
-        argValues = values;
-        argBlocks = nullptr;
-    }
     // One call: argument blocks are evaluated in the caller's context, values are referenced.
     krVariant* call(const std::vector<krBlock*>* blocks, const krArgs* values);
 
-    // A function may be replaced or its script destroyed while a call or an event dispatch still
-    // holds it; it then stays in memory, orphaned, until the last holder lets go, and an orphaned
-    // function no longer runs.
+    // Who keeps a function: the script's table for a named function or the destructor; for an
+    // event handler the statement that defines it and each binding it has, so that handlers of
+    // text run by eval or include go once nothing can bind or run them any more. A call or an
+    // event dispatch holds it meanwhile: it goes when nobody keeps or holds it.
+    void keep() { ++keepers; }
+    void drop();
     void hold() { ++holds; }
     void letGo();
-    // The owner gives the function up: destroyed now, or when the last holder lets go.
-    void retire();
+    // The script gives the function up (replaced, or the script is destroyed): an orphaned function
+    // no longer runs, and goes as soon as nobody keeps or holds it.
+    void retire() {
+        orphaned = true;
+        drop();
+    }
+    void orphan() { orphaned = true; }
     bool isOrphaned() const { return orphaned; }
 
     size_t paramCount() const { return params.size(); }
@@ -62,8 +62,9 @@ private:
     std::vector<std::string> params;
     std::vector<int32_t> paramSlots;
     krFrameLayout layout;
-    const std::vector<krBlock*>* argBlocks = nullptr;
-    const krArgs* argValues = nullptr;
+    int32_t keepers = 0;
     int32_t holds = 0;
     bool orphaned = false;
+
+    void destroy();
 };

@@ -145,14 +145,18 @@ krVariant* readDirectory(krBlock*, const krArgs& args) {
 
 // bool, int, float and string: a value of the type itself comes back as it is.
 template <krType T>
-krVariant* convert(krBlock*, const krArgs& args) {
+krVariant* convert(krBlock* caller, const krArgs& args) {
     if (args.size() != 1) return nullptr;
     krVariant* v = args[0];
     if (v->type() == T) return v->addRef();
     if constexpr (T == krTypeBool) return new krVBool(v->toBool());
     else if constexpr (T == krTypeInt) return new krVInt(v->toInt());
     else if constexpr (T == krTypeFloat) return new krVFloat(v->toFloat());
-    else return new krVString(v->toString());
+    else {
+        std::string text = v->toString();
+        if (text.size() > krConvert::maxStringBytes) return reportError(caller, "String too long");
+        return new krVString(std::move(text));
+    }
 }
 
 krVariant* makeMacro(krBlock* caller, const krArgs& args) {

@@ -14,9 +14,12 @@ namespace krParser {
     // The values `$0` to `$9` read while a macro is parsed; null restores the empty list.
     void setParseArgs(const krArgs* args);
 
-    // The limits of the parser's text buffers and expression slots.
-    constexpr size_t maxWordLength = 255;
+    // Operands and operators of one expression, together; entries beyond it are dropped with a
+    // report. Words and literals are held in strings of their own length and have no limit.
     constexpr size_t maxExpressionSlots = 256;
+    // Member and index links after one operand; far more than scripts write, few enough that
+    // the walks of the tree, which recurse once per link, stay within the stack.
+    constexpr size_t maxChainLinks = 10000;
 }
 
 namespace krParser {

@@ -1,6 +1,7 @@
 // Loaded scripts: variables by the store rule, frames, functions, bindings, settings files.
 #include "script/krScript.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "core/krHandles.h"
@@ -27,9 +28,14 @@ krScript::~krScript() {
     deleteFunctions();
     auto records = std::move(bindings);
     bindings.clear();
-    for (Binding& b : records) b.object->removeEvent(b.name, b.handler);
-    for (krFunction* f : eventFunctions) f->retire();
+    for (Binding& b : records) {
+        b.object->removeEvent(b.name, b.handler);
+        b.handler->drop();
+    }
+    // Handlers that statements still keep (in code not run, or held by a dispatch) go with them.
+    auto handlers = std::move(eventFunctions);
     eventFunctions.clear();
+    for (krFunction* f : handlers) f->orphan();
     while (hasFrame()) popFrame();
     krHandles::drop(handleId);
 }
@@ -67,9 +73,15 @@ void krScript::forgetEvent(krScriptObject* object, const std::string& name, krFu
     for (auto it = bindings.begin(); it != bindings.end(); ++it) {
         if (it->object == object && it->handler == handler && it->name == name) {
             bindings.erase(it);
+            handler->drop();
             return;
         }
     }
+}
+
+void krScript::forgetEventFunction(krFunction* function) {
+    auto it = std::find(eventFunctions.begin(), eventFunctions.end(), function);
+    if (it != eventFunctions.end()) eventFunctions.erase(it);
 }
 
 int32_t krScript::fieldSlot(const std::string& name) {
@@ -193,22 +205,27 @@ krFunction* krScript::getFunction(const std::string& name) {
 
 void krScript::setFunction(const std::string& name, krFunction* function) {
     ++functionTableVersion;
+    function->keep();
     auto [it, inserted] = functions.try_emplace(name, function);
     if (inserted) return;
     krFunction* old = it->second;
     it->second = function;
     if (old != function) old->retire();
+    else function->drop();
 }
 
 void krScript::setDestructor(krFunction* function) {
     krFunction* old = destructor;
+    function->keep();
     destructor = function;
     if (old && old != function) old->retire();
+    else if (old) function->drop();
 }
 
 void krScript::bindEvent(krScriptObject* object, const std::string& name, krFunction* handler) {
     if (!object || !handler) return;
     bindings.push_back(Binding{object, name, handler});
+    handler->keep();
     object->addEvent(name, handler);
 }
 
@@ -219,6 +236,7 @@ void krScript::clearEvent(krScriptObject* object, const std::string& name) {
             krFunction* handler = it->handler;
             bindings.erase(it);
             object->removeEvent(name, handler);
+            handler->drop();
             return;
         }
     }

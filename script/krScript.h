@@ -44,7 +44,12 @@ public:
     void setFunction(const std::string& name, krFunction* function);
     // Changes whenever the function table does, so callers may cache look-ups.
     uint32_t functionsVersion() const { return functionTableVersion; }
-    void addEventFunction(krFunction* function) { eventFunctions.push_back(function); }
+    // The handler of an event statement, kept by that statement.
+    void addEventFunction(krFunction* function) {
+        function->keep();
+        eventFunctions.push_back(function);
+    }
+    void forgetEventFunction(krFunction* function);
     void setDestructor(krFunction* function);
 
     void bindEvent(krScriptObject* object, const std::string& name, krFunction* handler);

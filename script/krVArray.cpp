@@ -45,9 +45,14 @@ void krVArray::reset() {
     for (auto& item : old) item.second->release();
 }
 
+// The text forms stop growing once past the longest text a script may build, so that an array of
+// long strings cannot make one without bound; whoever makes a value of the text refuses it then.
 std::string krVArray::toString() {
     std::string text;
-    for (auto& item : items) text += item.second->toString();
+    for (auto& item : items) {
+        if (text.size() > krConvert::maxStringBytes) break;
+        text += item.second->toString();
+    }
     return text;
 }
 
@@ -55,6 +60,7 @@ std::string krVArray::toLiteral() {
     std::string text = "[";
     bool first = true;
     for (auto& item : items) {
+        if (text.size() > krConvert::maxStringBytes) break;
         if (!first) text += ", ";
         first = false;
         text += item.second->toLiteral();

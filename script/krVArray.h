@@ -62,6 +62,9 @@ private:
 class krVMutableArray : public krVArray {
 public:
     bool isConst() override { return false; }
+    // Only the array itself is the constant: its elements belong to the scripts that store them
+    // and stay writable, however often a script that names the array is parsed.
+    void freeze() override { krVariant::freeze(); }
 
 protected:
     bool indexWritable() override { return true; }

@@ -1,6 +1,6 @@
 // krVariant: the values of the script language. Reference counted, one small class per kind,
-// converting to and from each other by one table; the bound kinds write through to a field of an
-// engine object. Values come from a pool, since every property read and every arithmetic result
+// each converting itself to the others by its own overrides; the bound kinds write through to a
+// field of an engine object. Values come from a pool, since every property read and every arithmetic result
 // makes one.
 #pragma once
 
