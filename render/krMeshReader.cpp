@@ -1,12 +1,12 @@
-// Checked reads of mesh and split files.
+// Checked reads of the chunk files of scenes: meshes, split trees, skeletons, animations.
 #include "render/krMeshReader.h"
 
 #include "core/krMain.h"
 
-krMeshReader::krMeshReader(const std::string& n) : file(n, true), name(n) {}
+krMeshReader::krMeshReader(const std::string& n, const char* k) : file(n, true), name(n), kind(k) {}
 
-krMeshReader::krMeshReader(const std::string& n, const void* bytes, uint32_t count)
-    : file(krFile::inMemory, bytes, count), name(n) {}
+krMeshReader::krMeshReader(const std::string& n, const void* bytes, uint32_t count, const char* k)
+    : file(krFile::inMemory, bytes, count), name(n), kind(k) {}
 
 void* krMeshReader::take(krChunk& chunk, uint64_t bytes, const char* what) {
     // Counts from the file times a record size may exceed 32 bits; such a count is a lie.
@@ -33,5 +33,5 @@ void* krMeshReader::array(krChunk& chunk, uint64_t n, uint32_t itemSize, const c
 void krMeshReader::damaged(const std::string& what) {
     if (reported) return;
     reported = true;
-    if (krMain* root = krMain::instance()) root->errorMsg("Invalid mesh file: '" + name + "' (" + what + ")");
+    if (krMain* root = krMain::instance()) root->errorMsg(std::string("Invalid ") + kind + " file: '" + name + "' (" + what + ")");
 }

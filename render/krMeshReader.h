@@ -1,6 +1,6 @@
-// krMeshReader: one mesh or split file being read. It holds the file with the chunk reader, the
-// nesting depth reached so far, and the one report that a damaged file earns, so that every
-// number the file gives is checked against the bytes that are really there.
+// krMeshReader: one mesh, split, skeleton or animation file being read. It holds the file with the
+// chunk reader, the nesting depth reached so far, and the one report that a damaged file earns,
+// so that every number the file gives is checked against the bytes that are really there.
 #pragma once
 
 #include <cstdint>
@@ -11,10 +11,11 @@
 
 class krMeshReader {
 public:
-    // Opens the file; a missing one is reported by the file layer.
-    explicit krMeshReader(const std::string& name);
+    // Opens the file; a missing one is reported by the file layer. kind names the format in
+    // reports ("mesh", "skeleton", "animation").
+    explicit krMeshReader(const std::string& name, const char* kind = "mesh");
     // Reads chunks from bytes already in memory; name is only used in reports.
-    krMeshReader(const std::string& name, const void* bytes, uint32_t count);
+    krMeshReader(const std::string& name, const void* bytes, uint32_t count, const char* kind = "mesh");
 
     // The root chunk; false for an empty or missing file.
     bool first(krChunk& root) { return file.readChunk(&root, nullptr, 0); }
@@ -51,5 +52,6 @@ private:
 
     krFile file;
     std::string name;
+    const char* kind;
     bool reported = false;
 };

@@ -8,6 +8,7 @@
 #include "core/krMatrix.h"
 #include "render/krMesh.h"
 #include "render/krMeshShapes.h"
+#include "render/krSkeleton.h"
 #include "render/krVideo.h"
 #include "script/krVObject.h"
 
@@ -21,7 +22,31 @@ krObject::~krObject() {
 void krObject::deinit() {
     closed = true;
     dropScript();
+    skeletonHandle = 0;
     krObjectContainer::deinit();
+}
+
+krSkeleton* krObject::getSkeleton() {
+    return skeletonHandle ? dynamic_cast<krSkeleton*>(krScriptObject::fromHandle(skeletonHandle)) : nullptr;
+}
+
+void krObject::setSkeleton(krSkeleton* s) { skeletonHandle = s ? s->handle() : 0; }
+
+krSkeleton* krObject::createSkeleton() {
+    auto* s = new krSkeleton(this);
+    s->attach();
+    return s;
+}
+
+krSkeleton* krObject::loadSkeleton(const std::string& file) {
+    // Only the object's own skeleton goes; one that a sub-object merely draws with stays its owner's.
+    if (krSkeleton* old = getSkeleton(); old && old->getOwner() == this) old->dispose();
+    setSkeleton(nullptr);
+    krSkeleton* s = createSkeleton();
+    if (!s) return nullptr;
+    setSkeleton(s);
+    s->load(file);
+    return s;
 }
 
 void krObject::updateMatrix() {

@@ -20,6 +20,7 @@ struct krChunk;
 struct krClassInfo;
 struct krMaterial;
 struct krMesh;
+struct krStateEntry;
 
 class krObject : public krObjectContainer {
 public:
@@ -36,7 +37,8 @@ public:
     // Keeps the object where it is in the world while it changes owner.
     void setOwner(krModule* newOwner) override;
     bool isInView() override;
-    krSkeleton* getSkeleton() override { return skeleton; }
+    // The skeleton the object draws with: its own, or for a sub-object the one that bound it.
+    krSkeleton* getSkeleton() override;
 
     bool collectObjects(krCollectResult& result, const krBox& box) override;
     krObject* findObject(const std::string& name) override;
@@ -45,6 +47,11 @@ public:
     virtual krObject* createChild(int32_t type, krModule* owner);
     // The load of this object's file has ended.
     virtual void onLoaded();
+    // Makes the skeleton of loadSkeleton, owned by this; a character's has its animation states.
+    virtual krSkeleton* createSkeleton();
+    // Whether the skeleton plays a state's entry: the entry itself, another to play in its place,
+    // or null to leave it out. A plain object plays everything.
+    virtual const krStateEntry* filterStateEntry(const krStateEntry* entry) { return entry; }
 
     // The readers of a load, in file order; each consumes what it reads of chunk.
     virtual void readObjectTree(krMeshReader& reader, krChunk& chunk);
@@ -66,11 +73,13 @@ public:
     virtual void genMeshBox(const krVector3& size);
     virtual void genMeshEllipsoid(const krVector3& size, int32_t segments);
     virtual void loadScript(const std::string& name);
+    // Replaces the object's skeleton by one loaded from a skeleton file; null when none is made.
+    virtual krSkeleton* loadSkeleton(const std::string& name);
     virtual void setPosition(const krVector3& p);
     virtual void setOrientation(const krQuat& q);
     // Turns the object by q about pivot, a point in its own space, from where the load left it.
     virtual void rotateAboutPivot(const krQuat& q, const krVector3& pivot);
-    virtual void setSkeleton(krSkeleton* s) { skeleton = s; }
+    virtual void setSkeleton(krSkeleton* s);
     virtual krQuat getWorldRotation() { return worldRotation; }
 
     // The same as loadFromFile, from bytes already in memory; name gives the folder and the
@@ -115,7 +124,8 @@ protected:
     krScript* script = nullptr;
     // The object value handed to the companion script.
     krVariant* self = nullptr;
-    krSkeleton* skeleton = nullptr;
+    // By handle: sub-objects hold their top object's skeleton, which may go before they do.
+    int32_t skeletonHandle = 0;
     // 1 for every bone a weight names, boneLimit long.
     std::vector<uint8_t> bonesUsed;
     int32_t eventTargetHandle = 0;

@@ -12,6 +12,7 @@
 #include "render/krMesh.h"
 #include "render/krMeshReader.h"
 #include "render/krObject.h"
+#include "render/krSkeleton.h"
 #include "render/krSplit.h"
 #include "script/krVBound.h"
 #include "script/krVObject.h"
@@ -96,6 +97,8 @@ void krObject::readFile(krMeshReader& reader, float scale) {
         else if (chunk.id == krMeshFile::splitTreeId) readObjectTree(reader, chunk);
     }
     loadScale = outerScale;
+    // A skeleton may come before or after the meshes; either way the bones they name are computed.
+    if (krSkeleton* s = getSkeleton(); s && !closed) s->bind(this, true);
 
     filesLoading.pop_back();
     release();

@@ -3,6 +3,7 @@
 #include "render/krObject.h"
 
 #include "render/krMeshShapes.h"
+#include "render/krSkeleton.h"
 #include "script/krClassInfo.h"
 #include "script/krBlock.h"
 #include "script/krVArray.h"
@@ -13,6 +14,7 @@ namespace {
 
 const krMemberInfo objectMembers[] = {
     {"loadFromFile", krCall, "(file, scale?)", "loads the object's tree from a mesh file; scale 0 keeps the file's size"},
+    {"loadSkeleton", krCall, "(file)", "replaces the skeleton by one from a skeleton file and gives it"},
     {"setPosition", krCall, "(x, y, z)", "position relative to the owner"},
     {"setOrientation", krCall, "(angle, x, y, z)", "turns to angle radians about a non-zero axis"},
     {"genMeshBox", krCall, "(width, height, depth)", "a box mesh around the origin"},
@@ -24,6 +26,7 @@ const krMemberInfo objectMembers[] = {
     {"x", krRead | krWrite, "float", "position relative to the owner"},
     {"y", krRead | krWrite, "float", "position relative to the owner"},
     {"z", krRead | krWrite, "float", "position relative to the owner"},
+    {"skeleton", krRead, "object", "the skeleton the object draws with, or null"},
     {"script", krRead, "script", "the companion script of the loaded file"},
     {"sortAlpha", krRead | krWrite, "bool", "draw transparent parts sorted far to near"},
     {"name", krRead | krWrite, "string", "found by getObject"},
@@ -59,6 +62,7 @@ krVariant* krObject::getMember(const std::string& member, krBlock* caller, const
         loadFromFile(args[0]->toString(), n == 2 ? args[1]->toFloat() : 0);
         return nullptr;
     }
+    if (member == "loadSkeleton" && n == 1) return new krVObject(loadSkeleton(args[0]->toString()));
     if (member == "setPosition" && n == 3) {
         setPosition(vectorOf(args, 0));
         return nullptr;
@@ -102,6 +106,7 @@ krVariant* krObject::getMember(const std::string& member, krBlock* caller, const
     if (member == "x") return new krVFloatPtr(&position.x, this);
     if (member == "y") return new krVFloatPtr(&position.y, this);
     if (member == "z") return new krVFloatPtr(&position.z, this);
+    if (member == "skeleton") return new krVObject(getSkeleton());
     if (member == "script") return new krVScript(script);
     if (member == "sortAlpha") return new krVBool(sortAlpha);
     if (member == "name") return new krVStringPtr(&name, this);

@@ -5,6 +5,7 @@
 
 #include "render/krLight.h"
 #include "render/krObject.h"
+#include "render/krSkeleton.h"
 #include "render/krSplit.h"
 #include "render/krViewPort.h"
 #include "render/opengl/krShaders_OGL.h"
@@ -70,7 +71,7 @@ void krRegisterRenderClasses() {
     krSymbols::addFunction("new_object", krMakeModule<krObject>, 0, "(owner?): a scene object");
     for (const krClassInfo* info : {&krWindow::info, &krWindow_OGL::info, &krVideo::info, &krVideo_OGL::info,
                                     &krTextures_OGL::info, &krShaders_OGL::info, &krViewPort::info, &krLight::info,
-                                    &krObjectContainer::info, &krObject::info, &krSplit::info})
+                                    &krObjectContainer::info, &krObject::info, &krSplit::info, &krSkeleton::info})
         krClasses::add(*info);
     addConstants();
 }
