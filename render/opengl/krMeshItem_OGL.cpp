@@ -9,6 +9,8 @@
 #include "render/opengl/krGL.h"
 #include "render/opengl/krMeshShaderAlphaBuffered_OGL.h"
 #include "render/opengl/krMeshShaderGlow_OGL.h"
+#include "render/opengl/krMeshShaderHWSkin_OGL.h"
+#include "render/opengl/krMeshShaderSWSkin_OGL.h"
 #include "render/opengl/krShader_OGL.h"
 #include "render/opengl/krTextures_OGL.h"
 
@@ -22,9 +24,17 @@ constexpr int materialUnits = krTextureSlots;
 
 using TextureIds = std::array<uint32_t, materialUnits>;
 
-// The class that holds a material's geometry. Weights do not choose one yet: a skinned mesh
-// draws in its bind pose through the plain classes.
-std::unique_ptr<krMeshShader_OGL> makeMeshShader(krModule* module, krVideo_OGL* video, const krMaterial& m) {
+// The class that holds a material's geometry. Weights go to the graphics card when the shader
+// takes them by palette place, and are blended on the processor otherwise.
+std::unique_ptr<krMeshShader_OGL> makeMeshShader(krModule* module, krVideo_OGL* video, const krMaterial& m,
+                                                 const krShader_OGL* shader, bool weighted) {
+    if (weighted) {
+        if (shader && shader->programmable() && (shader->attributes & krShaderMask::weightCount) &&
+            (shader->parameters & krShaderMask::paletteSize))
+            return std::make_unique<krMeshShaderHWSkin_OGL>(module, video);
+        if (m.flags & krMaterialBlended) return std::make_unique<krMeshShaderSWSkinAlpha_OGL>(module, video);
+        return std::make_unique<krMeshShaderSWSkin_OGL>(module, video);
+    }
     if (m.flags & krMaterialBlended) {
         if (video->vertexBuffers && (m.flags & krMaterialSorted))
             return std::make_unique<krMeshShaderAlphaBuffered_OGL>(module, video);
@@ -125,16 +135,12 @@ void krMeshItem_OGL::build(krMesh& mesh) {
     krTextures_OGL* table = video->getTextures();
     for (size_t i = 0; i < count; ++i) {
         const krMaterial& m = mesh.materials[i];
-        // Skinned shaders want weights per palette place, which only a skinning class can feed;
-        // until there is one, a mesh with weights takes the shaders of its bind pose.
-        krShader_OGL* shader = video->selectShader(m.flags, m.shader, false);
-        std::unique_ptr<krMeshShader_OGL> fresh = makeMeshShader(module, video, m);
+        krShader_OGL* shader = video->selectShader(m.flags, m.shader, mesh.hasWeights());
+        std::unique_ptr<krMeshShader_OGL> fresh = makeMeshShader(module, video, m, shader, mesh.hasWeights());
         if (i > 0 && shader == previousShader && shaders.back()->canMerge() && fresh->canMerge()) {
             owner[i] = shaders.size() - 1;
         } else {
             fresh->setShader(shader);
-            // Until skinning exists, a skinned mesh shows its bind pose where the load put it.
-            fresh->ownerSpace = mesh.hasWeights();
             owner[i] = shaders.size();
             shaders.push_back(fresh.release());
         }

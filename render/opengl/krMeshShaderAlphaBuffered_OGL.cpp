@@ -9,7 +9,6 @@
 #include "render/opengl/krShader_OGL.h"
 
 namespace {
-// Each new sorted mesh takes the next slot, so that the re-sorts spread over the frames.
 int32_t nextSortSlot = 0;
 
 // The record layout: position, normal, colour, texture coordinates, then the tangent if wanted.
@@ -19,9 +18,24 @@ constexpr int32_t tangentRecordSize = recordSize + sizeof(krVector3);
 const void* offset(int32_t bytes) { return reinterpret_cast<const void*>(static_cast<uintptr_t>(bytes)); }
 }  // namespace
 
+int32_t krTakeSortSlot() {
+    const int32_t slot = nextSortSlot;
+    nextSortSlot = (nextSortSlot + 1) % krSortSlots;
+    return slot;
+}
+
+void krSortTriangles(std::vector<krSortedTriangle>& triangles, const krVector3& eye, uint16_t* target) {
+    for (krSortedTriangle& t : triangles) t.distance = distanceSquared(t.centroid, eye);
+    std::sort(triangles.begin(), triangles.end(),
+              [](const krSortedTriangle& a, const krSortedTriangle& b) { return a.distance > b.distance; });
+    for (const krSortedTriangle& t : triangles) {
+        std::memcpy(target, t.index, sizeof t.index);
+        target += 3;
+    }
+}
+
 krMeshShaderAlphaBuffered_OGL::krMeshShaderAlphaBuffered_OGL(krModule* m, krVideo_OGL* v)
-    : krMeshShaderAlpha_OGL(m, v), restoreList(glGenLists(1)), sortSlot(nextSortSlot) {
-    nextSortSlot = (nextSortSlot + 1) % sortSlots;
+    : krMeshShaderAlpha_OGL(m, v), restoreList(glGenLists(1)), sortSlot(krTakeSortSlot()) {
     krglGenBuffersARB(1, &vertexBuffer);
     krglGenBuffersARB(1, &indexBuffer);
 }
@@ -102,16 +116,10 @@ void krMeshShaderAlphaBuffered_OGL::drawAlpha() {
 }
 
 void krMeshShaderAlphaBuffered_OGL::sort() {
-    const krVector3 eye = transformPoint(inverse(placement()), video->getEye());
-    for (Triangle& t : triangles) t.distance = distanceSquared(t.centroid, eye);
-    std::sort(triangles.begin(), triangles.end(), [](const Triangle& a, const Triangle& b) { return a.distance > b.distance; });
     auto* target = static_cast<uint16_t*>(krglMapBufferARB(GL_ELEMENT_ARRAY_BUFFER_ARB, GL_WRITE_ONLY_ARB));
     // A buffer the driver cannot map keeps the order it has.
     if (!target) return;
-    for (const Triangle& t : triangles) {
-        std::memcpy(target, t.index, sizeof t.index);
-        target += 3;
-    }
+    krSortTriangles(triangles, transformPoint(inverse(placement()), video->getEye()), target);
     krglUnmapBufferARB(GL_ELEMENT_ARRAY_BUFFER_ARB);
 }
 

@@ -9,10 +9,25 @@
 
 #include "render/opengl/krMeshShaderAlpha_OGL.h"
 
+// A triangle of a sorted mesh: its 16-bit indices and the centre its distance is taken from.
+struct krSortedTriangle {
+    float distance;
+    uint16_t index[3];
+    krVector3 centroid;
+};
+
+// Sorts the triangles far to near from the eye (in the space of the centroids) and writes their
+// indices in that order to target.
+void krSortTriangles(std::vector<krSortedTriangle>& triangles, const krVector3& eye, uint16_t* target);
+
+// Frames over which the sorted meshes take turns.
+constexpr int32_t krSortSlots = 8;
+// The slot of a new sorted mesh: the next one round, so that the re-sorts spread over the frames.
+int32_t krTakeSortSlot();
+
 class krMeshShaderAlphaBuffered_OGL : public krMeshShaderAlpha_OGL {
 public:
-    // Frames over which the sorted meshes take turns.
-    static constexpr int32_t sortSlots = 8;
+    static constexpr int32_t sortSlots = krSortSlots;
 
     krMeshShaderAlphaBuffered_OGL(krModule* module, krVideo_OGL* video);
     ~krMeshShaderAlphaBuffered_OGL() override;
@@ -34,11 +49,7 @@ public:
     int32_t getSortSlot() const { return sortSlot; }
 
 private:
-    struct Triangle {
-        float distance;
-        uint16_t index[3];
-        krVector3 centroid;
-    };
+    using Triangle = krSortedTriangle;
     // Far to near from the eye, then the index buffer rewritten in that order.
     void sort();
     void enableArrays();

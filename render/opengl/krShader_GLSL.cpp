@@ -2,9 +2,11 @@
 #include "render/opengl/krShader_GLSL.h"
 
 #include <algorithm>
+#include <cstring>
 #include <vector>
 
 #include "platform/krSystem.h"
+#include "render/krSkeleton.h"
 #include "render/opengl/krGL.h"
 
 krShader_GLSL::~krShader_GLSL() {
@@ -88,4 +90,18 @@ bool krSkinShader_GLSL::compile(const char* vertexSource, const char* fragmentSo
     if (!krShader_GLSL::compile(vertexSource, fragmentSource, script)) return false;
     bones = uniform("bones");
     return true;
+}
+
+void krSkinShader_GLSL::setBones(krSkeleton* skeleton, const int32_t* boneIndices, int32_t boneCount) {
+    if (!skeleton) return;
+    // Room for the largest palette a shader can ask for.
+    float palette[krShaderMask::paletteSize * 16];
+    boneCount = std::clamp(boneCount, 0, krShaderMask::paletteSize);
+    for (int32_t i = 0; i < boneCount; ++i)
+        std::memcpy(&palette[i * 16], skeleton->skinMatrix(boneIndices[i]).m, sizeof(krMatrix));
+    setPalette(palette, boneCount);
+}
+
+void krSkinShader_GLSL::setPalette(const float* matrices, int32_t count) {
+    if (isLive() && count > 0) krglUniformMatrix4fvARB(bones, count, GL_FALSE, matrices);
 }

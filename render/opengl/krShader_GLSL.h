@@ -35,6 +35,8 @@ public:
 
 protected:
     int32_t uniform(const char* name) const;
+    // The program was bound and usable when it was last bound.
+    bool isLive() const { return live; }
 
 private:
     // The stage's object, kept in `target` even when it fails so the destructor deletes it.
@@ -55,10 +57,11 @@ public:
     const char* className() const override { return "krSkinShader_GLSL"; }
 
     bool compile(const char* vertexSource, const char* fragmentSource, krScript* script) override;
-    // The palette comes from the skeleton's final bone matrices. Skeletons do not exist yet, so
-    // there is nothing to read: the palette keeps what it has, and a skinned mesh shows its bind
-    // pose.
-    void setBones(krSkeleton*, const int32_t*, int32_t) override {}
+    // The palette from the skeleton's skin matrices of the bones named; without a skeleton it
+    // keeps what it has.
+    void setBones(krSkeleton* skeleton, const int32_t* boneIndices, int32_t boneCount) override;
+    // The palette from count matrices of 16 floats each, for the bound program.
+    void setPalette(const float* matrices, int32_t count);
 
     int32_t bones = -1;
 };
