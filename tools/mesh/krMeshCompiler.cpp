@@ -10,11 +10,13 @@
 
 namespace {
 
+using CornerLists = std::vector<std::vector<krModelCorner>>;
+
 // Normals for corners that came without one: the area-weighted mean of the faces that meet at
 // the same position, so that a smooth surface stays smooth.
-std::map<std::tuple<float, float, float>, krVector3> smoothNormals(const krModel& model) {
+std::map<std::tuple<float, float, float>, krVector3> smoothNormals(const CornerLists& lists) {
     std::map<std::tuple<float, float, float>, krVector3> sums;
-    for (const std::vector<krModelCorner>& list : model.triangles) {
+    for (const std::vector<krModelCorner>& list : lists) {
         for (size_t i = 0; i + 2 < list.size(); i += 3) {
             const krVector3 face = cross(list[i + 1].position - list[i].position, list[i + 2].position - list[i].position);
             for (size_t k = i; k < i + 3; ++k)
@@ -64,6 +66,15 @@ bool materialRecord(const krModelMaterial& in, krMeshFileMaterial& out, std::str
     return true;
 }
 
+bool finish(const krChunkWriter& w, std::string& file, std::string& error) {
+    if (w.data().size() > std::numeric_limits<uint32_t>::max()) {
+        error = "the file would be larger than its chunk sizes can say";
+        return false;
+    }
+    file = w.data();
+    return true;
+}
+
 }  // namespace
 
 std::string krTextureFileName(const std::string& modelName) {
@@ -77,12 +88,17 @@ std::string krTextureFileName(const std::string& modelName) {
     return name + ".dds";
 }
 
-bool krBuildMesh(const krModel& model, const krMeshCompileOptions& options, krMeshFileMesh& mesh, std::string& error) {
+namespace {
+
+// One mesh from the lists of corners, one list a material; with weights when skinned.
+bool buildMesh(const krModel& model, const CornerLists& lists, bool skinned, const krMeshCompileOptions& options,
+               krMeshFileMesh& mesh, std::string& error) {
     mesh = krMeshFileMesh();
     mesh.kind = options.kind;
-    const auto normals = smoothNormals(model);
-    for (size_t m = 0; m < model.materials.size(); ++m) {
-        const std::vector<krModelCorner>& corners = model.triangles[m];
+    if (skinned) mesh.weightsPerVertex = krWeightsPerVertex;
+    const auto normals = smoothNormals(lists);
+    for (size_t m = 0; m < model.materials.size() && m < lists.size(); ++m) {
+        const std::vector<krModelCorner>& corners = lists[m];
         krMeshFileMaterial record;
         if (corners.size() < 3) continue;
         if (!materialRecord(model.materials[m], record, error)) return false;
@@ -106,9 +122,15 @@ bool krBuildMesh(const krModel& model, const krMeshCompileOptions& options, krMe
                     v.normal = it != normals.end() ? normalized(it->second) : krVector3();
                     if (isZero(v.normal)) v.normal = krVector3::axisY;
                 }
-                const std::string key(reinterpret_cast<const char*>(&v), sizeof v);
+                std::string key(reinterpret_cast<const char*>(&v), sizeof v);
+                if (skinned) key.append(reinterpret_cast<const char*>(c.weights), sizeof c.weights);
                 auto [it, added] = welded.try_emplace(key, static_cast<uint32_t>(mesh.vertices.size()));
-                if (added) mesh.vertices.push_back(v);
+                if (added) {
+                    mesh.vertices.push_back(v);
+                    if (skinned)
+                        for (const krBoneWeight& w : c.weights)
+                            mesh.weights.push_back({static_cast<uint16_t>(w.bone), 0, w.weight});
+                }
                 mesh.indices.push_back(it->second);
             }
             krMeshFile::MaterialRecord& r = mesh.materials.back().record;
@@ -120,6 +142,13 @@ bool krBuildMesh(const krModel& model, const krMeshCompileOptions& options, krMe
             return false;
         }
     }
+    return true;
+}
+
+}  // namespace
+
+bool krBuildMesh(const krModel& model, const krMeshCompileOptions& options, krMeshFileMesh& mesh, std::string& error) {
+    if (!buildMesh(model, model.triangles, false, options, mesh, error)) return false;
     if (mesh.indices.empty()) {
         error = "the model has no triangles";
         return false;
@@ -127,19 +156,67 @@ bool krBuildMesh(const krModel& model, const krMeshCompileOptions& options, krMe
     return true;
 }
 
+bool krBuildSkinnedMesh(const krModel& model, const krMeshCompileOptions& options, krMeshFileMesh& mesh,
+                        std::string& error) {
+    return buildMesh(model, model.skinned, true, options, mesh, error);
+}
+
 bool krCompileMesh(const krModel& model, const krMeshCompileOptions& options, std::string& file, std::string& error) {
-    krMeshFileMesh mesh;
-    if (!krBuildMesh(model, options, mesh, error)) return false;
-    krMeshFile::ObjectHeader header{};
-    if (!setName(header.name, sizeof header.name, options.name, "object name", error)) return false;
-    krChunkWriter w;
-    krBeginObject(w, options.name, {}, krQuat::identity);
-    krWriteMesh(w, mesh);
-    w.end();
-    if (w.data().size() > std::numeric_limits<uint32_t>::max()) {
-        error = "the mesh file would be larger than its chunk sizes can say";
+    krMeshFileMesh placed, skinned;
+    if (!buildMesh(model, model.triangles, false, options, placed, error) ||
+        !krBuildSkinnedMesh(model, options, skinned, error))
+        return false;
+    if (placed.indices.empty() && skinned.indices.empty()) {
+        error = "the model has no triangles";
         return false;
     }
-    file = w.data();
-    return true;
+    krMeshFile::ObjectHeader header{};
+    if (!setName(header.name, sizeof header.name, options.name, "object name", error)) return false;
+    if (!skinned.indices.empty() &&
+        !setName(header.name, sizeof header.name, krSkinObjectName(options.name), "skin object name", error))
+        return false;
+    krChunkWriter w;
+    krBeginObject(w, options.name, {}, krQuat::identity);
+    if (!placed.indices.empty()) krWriteMesh(w, placed);
+    // The skin lies in a sub-object at the object's origin: a skinned mesh's bind pose is read in
+    // the space of its object's owner, which there is the object that carries the skeleton.
+    if (!skinned.indices.empty()) {
+        krBeginObject(w, krSkinObjectName(options.name), {}, krQuat::identity);
+        krWriteMesh(w, skinned);
+        w.end();
+    }
+    w.end();
+    return finish(w, file, error);
+}
+
+std::string krSkinObjectName(const std::string& objectName) { return objectName + "_skin"; }
+
+bool krCompileSkeleton(const krModel& model, const krMeshCompileOptions& options, std::string& file, std::string& error) {
+    if (model.bones.empty()) {
+        error = "the model has no skin, so no skeleton";
+        return false;
+    }
+    std::vector<krSkeletonFileBone> bones = model.bones;
+    for (krSkeletonFileBone& b : bones) {
+        krSkeletonFile::BoneRecord r{};
+        if (!setName(r.name, sizeof r.name, b.name, "bone name", error)) return false;
+        b.position *= options.scale;
+    }
+    krSkeletonFile::SkeletonHeader h{};
+    if (!setName(h.name, sizeof h.name, options.name, "skeleton name", error)) return false;
+    krChunkWriter w;
+    krWriteSkeleton(w, options.name, bones);
+    return finish(w, file, error);
+}
+
+bool krCompileAnimation(const krModelAnimation& animation, const krMeshCompileOptions& options, std::string& file,
+                        std::string& error) {
+    krSkeletonFile::AnimationHeader h{};
+    if (!setName(h.name, sizeof h.name, animation.name, "animation name", error)) return false;
+    std::vector<krAnimationFileTrack> tracks = animation.tracks;
+    for (krAnimationFileTrack& t : tracks)
+        for (krAnimationFileKey& k : t.keys) k.position *= options.scale;
+    krChunkWriter w;
+    krWriteAnimation(w, animation.name, animation.duration, tracks);
+    return finish(w, file, error);
 }

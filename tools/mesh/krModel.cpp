@@ -10,6 +10,7 @@ size_t krModel::material(const std::string& name) {
     materials.push_back({});
     materials.back().name = name;
     triangles.emplace_back();
+    skinned.emplace_back();
     return materials.size() - 1;
 }
 

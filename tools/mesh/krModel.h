@@ -1,14 +1,19 @@
 // A model as the mesh compiler sees it, whatever format it came from: materials, and for each
-// material its triangles as loose corners. The readers fill it; the compiler welds the corners
-// into vertex ranges of the mesh file.
+// material its triangles as loose corners; for a skinned model also the bones of its skeleton,
+// the weights of its skinned corners and its animations, sampled into evenly spaced keys. The
+// readers fill it; the compiler welds the corners into vertex ranges of the mesh file and writes
+// the skeleton and animation files.
 #pragma once
 
+#include <set>
 #include <string>
 #include <vector>
 
 #include "core/krColor.h"
 #include "core/krVector3.h"
+#include "render/krMesh.h"
 #include "render/krMeshFile.h"
+#include "render/krSkeletonFileWriter.h"
 
 struct krModelMaterial {
     std::string name;
@@ -26,12 +31,31 @@ struct krModelCorner {
     krVector3 normal;  // zero when the model has none; the compiler makes one
     krColor color;
     float u = 0, v = 0;
+    // Skinned corners only: bones of the skeleton and weights summing to 1, heaviest first.
+    krBoneWeight weights[krWeightsPerVertex];
+};
+
+struct krModelAnimation {
+    std::string name;
+    float duration = 0;  // seconds
+    // One track per bone, in bone order, each with the same number of keys.
+    std::vector<krAnimationFileTrack> tracks;
 };
 
 struct krModel {
     std::vector<krModelMaterial> materials;
-    // For each material, three corners a triangle.
+    // For each material, three corners a triangle: placed where the model puts them...
     std::vector<std::vector<krModelCorner>> triangles;
+    // ...and skinned, in the bind pose of the skeleton.
+    std::vector<std::vector<krModelCorner>> skinned;
+    // The skeleton, parents before their children, in its bind pose; empty without a skin.
+    std::vector<krSkeletonFileBone> bones;
+    std::vector<krModelAnimation> animations;
+
+    // How the readers sample animations: keys a second, and the animations (by name) that are
+    // played once, whose keys end on the last pose instead of wrapping round to the first.
+    float keysPerSecond = 30;
+    std::set<std::string> playedOnce;
 
     // The material's index, made with defaults under that name if it is new.
     size_t material(const std::string& name);

@@ -1,6 +1,9 @@
-// kerrin-mesh: a Wavefront OBJ or glTF 2.0 model to a mesh file of one object with one mesh.
+// kerrin-mesh: a Wavefront OBJ or glTF 2.0 model to a mesh file of one object with its mesh; for
+// a skinned glTF model also the skeleton file and one animation file per animation.
+#include <cctype>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <string>
 
@@ -10,9 +13,30 @@ namespace {
 
 int usage() {
     std::fprintf(stderr,
-                 "usage: kerrin-mesh [--scale S] [--kind drawn|hull|rays|plain] [--name NAME] MODEL OUTPUT\n"
-                 "  MODEL is .obj (with its .mtl), .gltf or .glb; OUTPUT is the mesh file to write.\n");
+                 "usage: kerrin-mesh [--scale S] [--kind drawn|hull|rays|plain] [--name NAME]\n"
+                 "                   [--skeleton FILE] [--animations FOLDER] [--keys-per-second N] [--once ANIMATION]...\n"
+                 "                   MODEL OUTPUT\n"
+                 "  MODEL is .obj (with its .mtl), .gltf or .glb; OUTPUT is the mesh file to write.\n"
+                 "  A skinned glTF model's skeleton goes to FILE, and each of its animations to FOLDER/NAME.anim,\n"
+                 "  sampled at N keys a second (30); an animation named by --once is played once, so its keys\n"
+                 "  end on its last pose (load it with DONT_LOOP).\n");
     return 2;
+}
+
+bool writeFile(const std::string& path, const std::string& bytes) {
+    std::ofstream out(path, std::ios::binary);
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    if (out.flush()) return true;
+    std::fprintf(stderr, "kerrin-mesh: cannot write '%s'\n", path.c_str());
+    return false;
+}
+
+// An animation's name as a file name: letters, digits, '-' and '_' kept, the rest '_'.
+std::string fileNameOf(const std::string& name) {
+    std::string file = name;
+    for (char& c : file)
+        if (!std::isalnum(static_cast<unsigned char>(c)) && c != '-' && c != '_') c = '_';
+    return file;
 }
 
 bool endsWith(const std::string& s, const std::string& tail) {
@@ -32,7 +56,8 @@ bool kindOf(const std::string& word, int32_t& kind) {
 
 int main(int argc, char** argv) {
     krMeshCompileOptions options;
-    std::string input, output;
+    krModel model;
+    std::string input, output, skeletonFile, animationFolder;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
         const bool hasValue = i + 1 < argc;
@@ -50,6 +75,19 @@ int main(int argc, char** argv) {
             }
         } else if (arg == "--name" && hasValue) {
             options.name = argv[++i];
+        } else if (arg == "--skeleton" && hasValue) {
+            skeletonFile = argv[++i];
+        } else if (arg == "--animations" && hasValue) {
+            animationFolder = argv[++i];
+        } else if (arg == "--keys-per-second" && hasValue) {
+            char* end = nullptr;
+            model.keysPerSecond = std::strtof(argv[++i], &end);
+            if (*end || !(model.keysPerSecond >= 1 && model.keysPerSecond <= 1000)) {
+                std::fprintf(stderr, "kerrin-mesh: keys a second must be from 1 to 1000, not '%s'\n", argv[i]);
+                return 1;
+            }
+        } else if (arg == "--once" && hasValue) {
+            model.playedOnce.insert(argv[++i]);
         } else if (arg.rfind("--", 0) == 0) {
             return usage();
         } else if (input.empty()) {
@@ -67,7 +105,6 @@ int main(int argc, char** argv) {
         options.name = options.name.substr(0, options.name.rfind('.'));
     }
 
-    krModel model;
     std::string error;
     bool read;
     if (endsWith(input, ".obj")) read = krReadObjModel(input, model, error);
@@ -81,11 +118,24 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "kerrin-mesh: %s: %s\n", input.c_str(), error.c_str());
         return 1;
     }
-    std::ofstream out(output, std::ios::binary);
-    out.write(file.data(), static_cast<std::streamsize>(file.size()));
-    if (!out.flush()) {
-        std::fprintf(stderr, "kerrin-mesh: cannot write '%s'\n", output.c_str());
-        return 1;
+    if (!writeFile(output, file)) return 1;
+    if (!skeletonFile.empty()) {
+        if (!krCompileSkeleton(model, options, file, error)) {
+            std::fprintf(stderr, "kerrin-mesh: %s: %s\n", input.c_str(), error.c_str());
+            return 1;
+        }
+        if (!writeFile(skeletonFile, file)) return 1;
+    }
+    if (!animationFolder.empty()) {
+        std::error_code failed;
+        std::filesystem::create_directories(animationFolder, failed);
+        for (const krModelAnimation& a : model.animations) {
+            if (!krCompileAnimation(a, options, file, error)) {
+                std::fprintf(stderr, "kerrin-mesh: %s: %s\n", input.c_str(), error.c_str());
+                return 1;
+            }
+            if (!writeFile(animationFolder + "/" + fileNameOf(a.name) + ".anim", file)) return 1;
+        }
     }
     return 0;
 }
