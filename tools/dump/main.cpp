@@ -1,6 +1,7 @@
-// kerrin-dump: shows the chunk tree of any chunk file (id, name where known, offset, size, nesting),
-// for a pack its directory, and for a font the glyphs of its table. Problems in the file go to
-// standard error and make the exit status non-zero; what could be read is still shown.
+// kerrin-dump: shows the chunk tree of any chunk file (id, name where known, offset, size, nesting,
+// and the main fields of skeleton and animation records), for a pack its directory, and for a
+// font the glyphs of its table. Problems in the file go to standard error and make the exit
+// status non-zero; what could be read is still shown.
 #include <cinttypes>
 #include <cstdio>
 #include <cstring>
@@ -34,8 +35,13 @@ public:
             }
             const uint32_t claimed = krGetChunkHeader(file.data + at).size;
             const krChunkName* known = krFindChunkName(chunk.id);
-            std::printf("%*s0x%08" PRIX32 " %-16s at %-10" PRIu32 " size %" PRIu32 "\n", depth * 2, "", chunk.id,
+            std::printf("%*s0x%08" PRIX32 " %-16s at %-10" PRIu32 " size %" PRIu32, depth * 2, "", chunk.id,
                         known ? known->name : "?", at, claimed);
+            if (known && known->describe) {
+                const std::string fields = known->describe(reinterpret_cast<const uint8_t*>(file.data + file.cursor), chunk.size);
+                if (!fields.empty()) std::printf("  %s", fields.c_str());
+            }
+            std::printf("\n");
             if (claimed != chunk.size)
                 problem("chunk 0x%08" PRIX32 " at offset %" PRIu32 " claims %" PRIu32 " bytes, %" PRIu32 " are there",
                         chunk.id, at, claimed, chunk.size);
