@@ -40,7 +40,8 @@ const krMemberInfo skeletonMembers[] = {
 
 }  // namespace
 
-const krClassInfo krSkeleton::info = {"krSkeleton", "krModule", nullptr, skeletonMembers, {}};
+const krClassInfo krSkeleton::info = {"krSkeleton", "krModule", nullptr, skeletonMembers, {},
+                                      "an object's bones, made by its loadSkeleton: plays and mixes animations on them"};
 
 namespace {
 
