@@ -11,6 +11,8 @@
 #include "render/krObject.h"
 #include "render/krMeshFile.h"
 #include "render/krSkeletonFile.h"
+#include "render/krVideo.h"
+#include "render/krVideoItem.h"
 
 namespace {
 
@@ -41,12 +43,21 @@ void krSkeleton::deinit() {
     krModule::deinit();
 }
 
+void krSkeleton::dropLines() {
+    // The item reads the vertices: it goes first.
+    delete lineItem;
+    lineItem = nullptr;
+    lineVertices.clear();
+    lineData.vertices = nullptr;
+    lineData.count = 0;
+}
+
 void krSkeleton::clearBones() {
+    dropLines();
     for (krBone& b : bones)
         for (int32_t handle : b.attached)
             if (auto* object = dynamic_cast<krObject*>(krScriptObject::fromHandle(handle))) object->boneDriven = false;
     bones.clear();
-    lineVertices.clear();
 }
 
 void krSkeleton::load(const std::string& file) {
@@ -258,8 +269,8 @@ void krSkeleton::setVisible(bool v) {
     linesShown = v;
     // Every bone is drawn, so every bone is computed.
     for (krBone& b : bones) b.useCount += v ? 1 : -1;
-    lineVertices.clear();
-    if (!v) return;
+    dropLines();
+    if (!v || !video) return;
     for (const krBone& b : bones) {
         if (b.parent < 0) continue;
         const krVertex end{{}, {0, 1, 0}, color, 0, 0};
@@ -267,6 +278,9 @@ void krSkeleton::setVisible(bool v) {
         lineVertices.push_back(end);
     }
     updateLines();
+    lineData.vertices = lineVertices.data();
+    lineData.count = static_cast<int32_t>(lineVertices.size());
+    lineItem = video->createDynamicItem(this, &lineData, krDynamicKind::skeletonLines);
 }
 
 void krSkeleton::updateLines() {

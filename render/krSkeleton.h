@@ -17,10 +17,12 @@
 #include "core/krMatrix.h"
 #include "core/krModule.h"
 #include "render/krAnimation.h"
+#include "render/krDynamicData.h"
 #include "render/krMeshFile.h"
 
 class krMeshReader;
 class krObject;
+class krVideoItem;
 struct krClassInfo;
 
 struct krBone {
@@ -131,6 +133,7 @@ private:
     void poseBone(krBone& bone, float dt, float damping);
     void placeBone(krBone& bone);
     void updateLines();
+    void dropLines();
     void dropInstance(krAnimationInstance* instance);
 
     std::vector<krBone> bones;
@@ -142,7 +145,10 @@ private:
     int32_t stateCount;
     int32_t trackCount;
 
-    // The debug lines: two vertices per bone with a parent, while shown with a video.
+    // The bone lines: two vertices per bone with a parent, drawn by an item of the video while
+    // the skeleton is shown. The item reads the record, which holds the vertices, each frame.
     std::vector<krVertex> lineVertices;
+    krDynamicData lineData;
+    krVideoItem* lineItem = nullptr;
     bool linesShown = false;
 };

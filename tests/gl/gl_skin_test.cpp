@@ -262,3 +262,38 @@ TEST_F(GLSkinning, LargeSkinsUseLongIndicesOnTheCardAndAreNotDrawnOnTheProcessor
         remove(o);
     }
 }
+
+TEST_F(GLSkinning, AShownSkeletonDrawsItsBonesAsLines) {
+    ASSERT_TRUE(openScene(width, height));
+    krObject* o = holder();
+    skeleton = o->loadSkeleton("t/two.skeleton");
+    glTesting::set(skeleton, "color", new krVInt(static_cast<int32_t>(toPacked(krColor(255, 0, 0, 255)))));
+    skeleton->setVisible(true);
+    // A line from the hips at (0, -1, -4) up to the arm's joint at (0, 0, -4), in its colour as
+    // the scene's light shows it.
+    auto shows = [&](float y, uint32_t mask) {
+        bool found = false;
+        for (int32_t dx = -1; dx <= 1; ++dx) {
+            const uint32_t p = pixel(screenX(0) + dx, screenY(y));
+            found = found || ((p & ~mask) == 0 && (p & mask & 0x808080u) != 0);
+        }
+        return found;
+    };
+    auto redNear = [&](float y) { return shows(y, 0xFF0000u); };
+    ASSERT_TRUE(frame());
+    EXPECT_TRUE(redNear(-0.5f));
+    EXPECT_FALSE(redNear(0.5f));
+    // The arm turned a quarter: the line stays between the two joints, which have not moved.
+    skeleton->bone(1).rotation = krQuat::fromAxisAngle(krPi / 2, krVector3::axisZ);
+    ASSERT_TRUE(frame());
+    EXPECT_TRUE(redNear(-0.5f));
+    // Recoloured, and then hidden: the item goes and the bones are counted out again.
+    glTesting::set(skeleton, "color", new krVInt(static_cast<int32_t>(toPacked(krColor(0, 255, 0, 255)))));
+    ASSERT_TRUE(frame());
+    EXPECT_TRUE(shows(-0.5f, 0x00FF00u));
+    skeleton->setVisible(false);
+    ASSERT_TRUE(frame());
+    EXPECT_FALSE(redNear(-0.5f));
+    EXPECT_TRUE(skeleton->getVideoItems().empty());
+    EXPECT_EQ(skeleton->bone(1).useCount, 0);
+}
