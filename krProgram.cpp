@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <ctime>
 
+#include "audio/krAudioClasses.h"
 #include "core/krMain.h"
 #include "core/krTimer.h"
 #include "interface/krInterfaceClasses.h"
@@ -30,6 +31,7 @@ const krSubsystem subsystems[] = {
     {"interface", krRegisterInterfaceClasses, nullptr},
     {"physics", krRegisterPhysicsClasses, nullptr},
     {"vehicles", krRegisterVehicleClasses, nullptr},
+    {"audio", krRegisterAudioClasses, krCloseAudio},
 };
 
 // The frame step handed to the tree is clamped: a hitch slows the simulation down instead of
