@@ -19,7 +19,8 @@ const krMemberInfo listenerMembers[] = {
 
 }  // namespace
 
-const krClassInfo krListener::info = {"krListener", "krModule", "new_listener", listenerMembers, {}};
+const krClassInfo krListener::info = {"krListener", "krModule", "new_listener", listenerMembers, {},
+                                      "the ears: distances and directions of sounds are taken from here"};
 
 krListener::krListener(krModule* owner) : krModule(owner) { krAudio::setListener(this); }
 

@@ -21,7 +21,8 @@ void report(const std::string& text) {
 
 }  // namespace
 
-const krClassInfo krMusic::info = {"krMusic", "krSound", "new_music", musicMembers, {}};
+const krClassInfo krMusic::info = {"krMusic", "krSound", "new_music", musicMembers, {},
+                                   "a sound of Ogg Vorbis files, each decoded whole at its load"};
 
 krMusic::~krMusic() {
     setPlaying(false);

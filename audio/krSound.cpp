@@ -32,7 +32,8 @@ constexpr float gainFallAtMax = 9;
 
 }  // namespace
 
-const krClassInfo krSound::info = {"krSound", "krModule", "new_sound", soundMembers, {}};
+const krClassInfo krSound::info = {"krSound", "krModule", "new_sound", soundMembers, {},
+                                   "a sound of WAV files that moves with its owner; it plays while audible and in range"};
 
 krSound::krSound(krModule* owner) : krModule(owner) {
     // A sound is heard unless it is muted; its owner must be audible as well.
