@@ -65,7 +65,8 @@ void krSystem::messageBox(const std::string& text, const std::string& caption) {
         boxShow(text, caption);
         return;
     }
-    writeError(caption + ": " + text);
+    // A box without a title is just its text.
+    writeError(caption.empty() ? text : caption + ": " + text);
 }
 
 void krSystem::setMessageBoxAvailable(bool available) { boxAvailable = available; }
