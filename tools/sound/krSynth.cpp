@@ -49,6 +49,9 @@ constexpr Chord progression[] = {{45, {57, 60, 64}}, {41, {57, 60, 65}}, {48, {5
 constexpr int chordCount = sizeof progression / sizeof progression[0];
 // The arpeggio walks the chord an octave up in eighths, in this order of its notes.
 constexpr int arpeggioOrder[] = {0, 1, 2, 1};
+// The tails of the last bass note and arpeggio are faded out over this many seconds, so that the
+// loop back to the start, where every voice begins at zero, does not click.
+constexpr double loopFade = 0.005;
 
 // A bright tone of a few harmonics falling off as 1/k, like a softened sawtooth.
 double saw(double phase, int harmonics) {
@@ -161,8 +164,9 @@ krPcm krSynthMusic() {
         left += hat;
         right += hat;
 
-        pcm.samples[static_cast<size_t>(f) * 2] = toSample(left);
-        pcm.samples[static_cast<size_t>(f) * 2 + 1] = toSample(right);
+        const double fade = std::fmin(1.0, (length - t) / loopFade);
+        pcm.samples[static_cast<size_t>(f) * 2] = toSample(left * fade);
+        pcm.samples[static_cast<size_t>(f) * 2 + 1] = toSample(right * fade);
     }
     return pcm;
 }
