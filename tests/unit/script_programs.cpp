@@ -1,6 +1,8 @@
 // Random script programs: a grammar walked with a fixed pseudo-random sequence.
 #include "script_programs.h"
 
+#include <initializer_list>
+
 namespace scriptPrograms {
 
 namespace {
@@ -14,6 +16,15 @@ const char* const conversions[] = {"int", "float", "string", "bool"};
 const char* const ints[] = {"0", "1", "2", "3", "7", "10", "100", "2147483647", "65536"};
 const char* const floats[] = {"0.0", "1.0", "0.5", "2.5", "0.05", "1234.5", "3.75"};
 const char* const texts[] = {"", "a", "x", "12", "2.5", "true", "false", "0", "abc", " 7z"};
+
+// Joins pieces drawn in the order written: the elements of a braced list are evaluated left to
+// right, where the operands of a chain of + may be evaluated in any order, which would make
+// the programs differ between compilers.
+std::string cat(std::initializer_list<std::string> parts) {
+    std::string text;
+    for (const std::string& part : parts) text += part;
+    return text;
+}
 }
 
 const std::vector<std::string>& Generator::fieldNames() {
@@ -83,8 +94,8 @@ std::string Generator::call(int depth) {
         return text + ")";
     }
     switch (below(4)) {
-    case 0: return std::string(pick(conversions)) + "(" + expression(depth - 1) + ")";
-    case 1: return "trimFirstLines(" + expression(depth - 1) + ", " + pick(ints) + ")";
+    case 0: return cat({pick(conversions), "(", expression(depth - 1), ")"});
+    case 1: return cat({"trimFirstLines(", expression(depth - 1), ", ", pick(ints), ")"});
     case 2: return "strcolor(" + expression(depth - 1) + ")";
     default: return inner ? "int(" + expression(depth - 1) + ")" : "eval(" + evalText() + ")";
     }
@@ -107,7 +118,7 @@ std::string Generator::evalText() {
 
 std::string Generator::target(int depth) {
     switch (below(8)) {
-    case 0: return variable() + "[" + expression(depth - 1) + "]";
+    case 0: return cat({variable(), "[", expression(depth - 1), "]"});
     case 1: return variable() + "[]";
     case 2: return inCurrent ? "$_" : variable();
     case 3: return chance(50) ? "global " + variable() : "local " + variable();
@@ -121,14 +132,14 @@ std::string Generator::expression(int depth) {
     case 0:
     case 1:
     case 2:
-        return "(" + expression(depth - 1) + " " + pick(binaryOperators) + " " + expression(depth - 1) + ")";
+        return cat({"(", expression(depth - 1), " ", pick(binaryOperators), " ", expression(depth - 1), ")"});
     case 3:
         // Without parentheses, so that levels and grouping decide.
-        return expression(depth - 1) + " " + pick(binaryOperators) + " " + expression(depth - 1) + " " +
-               pick(binaryOperators) + " " + expression(depth - 1);
-    case 4: return "(" + std::string(pick({"-", "!", "~", "+", "- -"})) + expression(depth - 1) + ")";
+        return cat({expression(depth - 1), " ", pick(binaryOperators), " ", expression(depth - 1), " ",
+                    pick(binaryOperators), " ", expression(depth - 1)});
+    case 4: return cat({"(", pick({"-", "!", "~", "+", "- -"}), expression(depth - 1), ")"});
     case 5:
-    case 6: return "(" + target(depth) + " " + pick(assignOperators) + " " + expression(depth - 1) + ")";
+    case 6: return cat({"(", target(depth), " ", pick(assignOperators), " ", expression(depth - 1), ")"});
     case 7: {
         const std::string v = chance(80) ? variable() : expression(depth - 1);
         return chance(50) ? "(" + std::string(pick({"++", "--", "!!", "~~"})) + v + ")"
@@ -136,11 +147,11 @@ std::string Generator::expression(int depth) {
     }
     case 8:
     case 9: return call(depth);
-    case 10: return expression(depth - 1) + "[" + expression(depth - 1) + "]";
-    case 11: return variable() + "." + pick(members);
+    case 10: return cat({expression(depth - 1), "[", expression(depth - 1), "]"});
+    case 11: return cat({variable(), ".", pick(members)});
     case 12:
-        return variable() + "." + std::string(pick({"contains", "remove"})) + "(" + expression(depth - 1) + ")";
-    case 13: return "[" + expression(depth - 1) + ", " + expression(depth - 1) + "]";
+        return cat({variable(), ".", pick({"contains", "remove"}), "(", expression(depth - 1), ")"});
+    case 13: return cat({"[", expression(depth - 1), ", ", expression(depth - 1), "]"});
     case 14: return "[" + expression(depth - 1) + "]";
     case 15:
         if (inner || function >= 0) return atom();
@@ -176,21 +187,21 @@ std::string Generator::statement(int depth) {
     case 4:
     case 5: return expression(3) + ";";
     case 6: {
-        std::string text = "if (" + expression(2) + ") " + body(depth);
+        std::string text = cat({"if (", expression(2), ") ", body(depth)});
         if (chance(50)) text += " else " + (chance(30) ? statement(depth - 1) : body(depth));
         return text;
     }
     case 7: {
         ++loops;
-        const std::string text = "while (" + counter + " < " + std::to_string(1 + below(3)) + ") { " + counter +
-                                 "++; " + statement(depth - 1) + " " + statement(depth - 1) + " }";
+        const std::string text = cat({"while (", counter, " < ", std::to_string(1 + below(3)), ") { ", counter,
+                                      "++; ", statement(depth - 1), " ", statement(depth - 1), " }"});
         --loops;
         return counter + " = 0; " + text;
     }
     case 8: {
         ++loops;
-        const std::string text = "for (" + counter + " = 0; " + counter + " < " + std::to_string(below(4)) +
-                                 "; " + counter + "++) " + body(depth);
+        const std::string text = cat({"for (", counter, " = 0; ", counter, " < ", std::to_string(below(4)), "; ",
+                                      counter, "++) ", body(depth)});
         --loops;
         return text;
     }
@@ -198,7 +209,7 @@ std::string Generator::statement(int depth) {
         ++loops;
         const bool was = inCurrent;
         inCurrent = true;
-        const std::string text = "foreach (" + (chance(50) ? variable() : expression(2)) + ") " + body(depth);
+        const std::string text = cat({"foreach (", chance(50) ? variable() : expression(2), ") ", body(depth)});
         inCurrent = was;
         --loops;
         return text;
@@ -206,7 +217,7 @@ std::string Generator::statement(int depth) {
     case 10: {
         const bool was = inCurrent;
         inCurrent = true;
-        const std::string text = "with (" + expression(2) + ") " + body(depth);
+        const std::string text = cat({"with (", expression(2), ") ", body(depth)});
         inCurrent = was;
         return text;
     }
@@ -219,17 +230,17 @@ std::string Generator::statement(int depth) {
     case 13:
         if (chance(10)) return "exit " + expression(1) + ";";
         // A statement as the value of an assignment; it ends in its block and needs no ";".
-        return "$" + std::string(pick(names)) + " = if (" + expression(2) + ") { " + expression(2) + "; } else { " +
-               expression(2) + "; }";
-    case 14: return "$" + std::string(pick(names)) + " = " + expression(3) + ";";
+        return cat({"$", pick(names), " = if (", expression(2), ") { ", expression(2), "; } else { ", expression(2),
+                    "; }"});
+    case 14: return cat({"$", pick(names), " = ", expression(3), ";"});
     case 15:
         if (function >= 0 || inner) return expression(2) + ";";
         return "$o.tag = " + expression(2) + "; print($o.tag ? 'no tag');";
     case 16:
         if (function >= 0 || inner) return expression(2) + ";";
         return "print($o.ping(" + expression(2) + ") ? 'no result');";
-    case 17: return "$m = macro(" + quote("$1 + $2") + ", " + variable() + ", " + expression(1) + ");";
-    default: return variable() + " " + pick(assignOperators) + " " + expression(3) + ";";
+    case 17: return cat({"$m = macro(", quote("$1 + $2"), ", ", variable(), ", ", expression(1), ");"});
+    default: return cat({variable(), " ", pick(assignOperators), " ", expression(3), ";"});
     }
 }
 
@@ -247,7 +258,7 @@ std::string Generator::program() {
         text += "function f" + std::to_string(f) + "(";
         for (int i = 0; i < paramCounts[static_cast<size_t>(f)]; ++i) text += i ? ", $q" : "$p";
         text += ") {\n";
-        if (chance(50)) text += "    $" + std::string(pick(names)) + " = " + literal() + ";\n";
+        if (chance(50)) text += cat({"    $", pick(names), " = ", literal(), ";\n"});
         const int n = 1 + below(5);
         for (int i = 0; i < n; ++i) text += "    " + statement(3) + "\n";
         text += "}\n";
