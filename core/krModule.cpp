@@ -3,7 +3,9 @@
 
 #include <algorithm>
 
+#include "core/krMain.h"
 #include "core/krModuleItem.h"
+#include "platform/krSystem.h"
 #include "script/krClassInfo.h"
 #include "script/krVArray.h"
 #include "script/krVBound.h"
@@ -36,6 +38,27 @@ const krEventInfo moduleEvents[] = {
     {"delete", "()", "the module is being torn down, its subtree still whole"},
 };
 
+// Modules whose teardown was put off because the stack ran low on the way down a deep tree. The
+// outermost teardown works through them, each from a stack of its own, so that no depth of tree
+// can overflow it.
+std::vector<krModule*>& deferredTeardowns() {
+    static std::vector<krModule*> list;
+    return list;
+}
+// How many teardown walks (clear) are under way on the stack.
+int clearDepth = 0;
+
+// A walk that stops where the stack runs low says so once: a tree that deep stays that deep, and
+// the walks of every frame would repeat it.
+void reportTooDeep(const char* walk) {
+    static bool said = false;
+    if (said) return;
+    said = true;
+    krSystem::StackReserve reserve;
+    if (krMain* root = krMain::instance())
+        root->errorMsg(std::string("The module tree is too deep: its deepest modules are not ") + walk);
+}
+
 std::vector<krModule*>& orphans() {
     static std::vector<krModule*> list;
     return list;
@@ -50,6 +73,18 @@ void forgetOrphan(krModule* module) {
 
 const krClassInfo krModule::info = {"krModule", "krScriptObject", "new_module", moduleMembers, moduleEvents,
                                     "a node of the object tree: everything that lives in the engine is one"};
+
+krModuleHold::krModuleHold(std::initializer_list<krModule*> modules) {
+    for (krModule* m : modules) {
+        if (!m) continue;
+        m->addRef();
+        held.push_back(m);
+    }
+}
+
+krModuleHold::~krModuleHold() {
+    for (krModule* m : held) m->release();
+}
 
 void krModule::adoptOrphan(krModule* module) {
     if (!module->owner && std::find(orphans().begin(), orphans().end(), module) == orphans().end())
@@ -102,6 +137,10 @@ void krModule::dispose() {
 }
 
 bool krModule::init() {
+    if (krSystem::stackLow()) {
+        reportTooDeep("initialised");
+        return false;
+    }
     // The count is taken once: modules that init creates are initialised by whoever made them.
     for (int i = static_cast<int>(children.size()) - 1; i >= 0; --i) {
         if (i >= static_cast<int>(children.size())) continue;
@@ -111,6 +150,10 @@ bool krModule::init() {
 }
 
 bool krModule::update(float dt) {
+    if (krSystem::stackLow()) {
+        reportTooDeep("updated");
+        return true;
+    }
     // By index against the present size: a child may delete itself or its siblings meanwhile,
     // and the reference held across its update keeps it alive until the walk has left it.
     int i = static_cast<int>(children.size());
@@ -176,8 +219,9 @@ void krModule::clearItems() {
 }
 
 void krModule::clear() {
-    // Last child first; each child leaves the vector in its own deinit, so walk by index
-    // against the present size.
+    // Last child first; each child leaves the vector in its own deinit, so the walk always takes
+    // the last one there is now.
+    ++clearDepth;
     while (!children.empty()) {
         krModule* child = children.back();
         if (!child->beginTeardown()) {
@@ -188,9 +232,29 @@ void krModule::clear() {
             childrenChanged();
             continue;
         }
+        if (krSystem::stackLow()) {
+            // Too deep to go further down from here: the child leaves the tree with the reference
+            // this list held, and is torn down from the top.
+            children.pop_back();
+            child->owner = nullptr;
+            childrenChanged();
+            deferredTeardowns().push_back(child);
+            continue;
+        }
         child->deinit();
         if (!children.empty() && children.back() == child) children.pop_back();
         child->release();
+    }
+    if (--clearDepth > 0) return;
+    auto& deferred = deferredTeardowns();
+    while (!deferred.empty()) {
+        krModule* module = deferred.back();
+        deferred.pop_back();
+        // Counted as under way, so that its own walk leaves the rest of the list to this loop.
+        ++clearDepth;
+        module->deinit();
+        --clearDepth;
+        module->release();
     }
 }
 
@@ -213,8 +277,14 @@ void krModule::setOwner(krModule* newOwner) {
 }
 
 void krModule::forgetVideo(krVideo* gone) {
-    if (video == gone) video = nullptr;
-    for (krModule* child : children) child->forgetVideo(gone);
+    // Without recursion: a tree may be deeper than the stack.
+    std::vector<krModule*> pending{this};
+    while (!pending.empty()) {
+        krModule* m = pending.back();
+        pending.pop_back();
+        if (m->video == gone) m->video = nullptr;
+        pending.insert(pending.end(), m->children.begin(), m->children.end());
+    }
 }
 
 krVector3 krModule::getVelocityAt(const krVector3& point) {

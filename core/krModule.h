@@ -2,7 +2,9 @@
 // tree last child first; teardown clears it last child first while each parent is still whole.
 #pragma once
 
+#include <initializer_list>
 #include <list>
+#include <vector>
 
 #include "core/krMatrix.h"
 #include "core/krScriptObject.h"
@@ -68,6 +70,8 @@ public:
     bool isVisible() const { return visible; }
     bool isAudible() const { return audible; }
     bool isEnabled() const { return enabled; }
+    // From the start of its teardown (deinit, delete) until it is attached again.
+    bool isTornDown() const { return tornDown; }
     krVariant* getTag() const { return tag; }
 
 protected:
@@ -86,4 +90,19 @@ private:
     bool beginTeardown();
     // Set from the start of a teardown until the module is attached again.
     bool tornDown = false;
+};
+
+// Holds a reference on each module (nulls are passed over) for its own lifetime. Engine code that
+// runs a script in the middle of its own work (an event, a companion or shader script) keeps what
+// it works on this way: the script may delete any of it, and the work must find each module still
+// in memory, torn down perhaps, until it is over.
+class krModuleHold {
+public:
+    krModuleHold(std::initializer_list<krModule*> modules);
+    ~krModuleHold();
+    krModuleHold(const krModuleHold&) = delete;
+    krModuleHold& operator=(const krModuleHold&) = delete;
+
+private:
+    std::vector<krModule*> held;
 };

@@ -1,6 +1,7 @@
 // Containers: box queries, name searches and the view test shared by objects and splits.
 #include "render/krObjectContainer.h"
 
+#include "platform/krSystem.h"
 #include "render/krVideo.h"
 #include "script/krClassInfo.h"
 
@@ -15,6 +16,8 @@ bool krObjectContainer::collectObjects(krCollectResult& result, const krBox& que
 
 bool krObjectContainer::collectChildren(krCollectResult& result, const krBox& query) {
     bool any = false;
+    // A tree deeper than the stack allows is searched as deep as it can be.
+    if (krSystem::stackLow()) return false;
     // By index against the present size: the walk is plain, but cheap to keep safe.
     for (size_t i = children.size(); i-- > 0;) {
         if (i >= children.size()) continue;
@@ -27,6 +30,7 @@ bool krObjectContainer::collectChildren(krCollectResult& result, const krBox& qu
 krObject* krObjectContainer::findObject(const std::string& name) { return findInChildren(name); }
 
 krObject* krObjectContainer::findInChildren(const std::string& name) {
+    if (krSystem::stackLow()) return nullptr;
     for (size_t i = children.size(); i-- > 0;) {
         if (auto* c = dynamic_cast<krObjectContainer*>(children[i]))
             if (krObject* found = c->findObject(name)) return found;

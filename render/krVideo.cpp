@@ -6,6 +6,7 @@
 
 #include "core/krMain.h"
 #include "interface/krCamera.h"
+#include "platform/krSystem.h"
 #include "render/krLight.h"
 #include "render/krVideoItem.h"
 #include "render/krViewPort.h"
@@ -116,6 +117,8 @@ void krVideo::drawScene(float, float, float width, float height) {
 }
 
 void krVideo::drawModule(krModule* module) {
+    // Below what the stack allows the subtree is not drawn; the tree's update walk says so.
+    if (krSystem::stackLow()) return;
     // Only video items enter a module's item list.
     for (krModuleItem* item : module->getVideoItems()) static_cast<krVideoItem*>(item)->draw();
     const auto& children = module->getChildren();

@@ -9,6 +9,12 @@ krVideoItem::krVideoItem(krModule* m, bool add) : module(m), listed(add && m) {
     if (listed) module->getVideoItems().push_back(this);
 }
 
+void krVideoItem::joinModule() {
+    if (listed || !module) return;
+    listed = true;
+    module->getVideoItems().push_back(this);
+}
+
 krVideoItem::~krVideoItem() {
     if (!listed) return;
     auto& items = module->getVideoItems();

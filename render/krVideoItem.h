@@ -20,6 +20,8 @@ public:
 
     const char* className() const override { return "krVideoItem"; }
     krModule* getModule() const { return module; }
+    // Enters the module's item list, which then owns the item: for an item made apart first.
+    void joinModule();
 
     virtual void draw() {}
     virtual void drawAlpha() {}

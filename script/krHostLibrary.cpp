@@ -5,6 +5,7 @@
 
 #include "core/krColor.h"
 #include "core/krFile.h"
+#include "core/krFileIndex.h"
 #include "core/krMain.h"
 #include "platform/krSystem.h"
 #include "script/krClassInfo.h"
@@ -19,6 +20,14 @@
 namespace {
 
 krScript* callingScript(krBlock* caller) { return caller ? caller->getScript() : nullptr; }
+
+// A data file that is not there is reported at the call, with its file and line: names are
+// relative to the working directory, not to the calling script's folder.
+bool found(krBlock* caller, const std::string& name) {
+    if (krFileIndex::find(name)) return true;
+    reportError(caller, "File \"" + name + "\" not found!");
+    return false;
+}
 
 krVariant* deleteObject(krBlock* caller, const krArgs& args) {
     if (args.size() != 1) return nullptr;
@@ -58,6 +67,7 @@ krVariant* include(krBlock* caller, const krArgs& args) {
     if (args.size() != 1 || !s) return nullptr;
     if (krSystem::stackLow()) return reportError(caller, "Recursion too deep");
     const std::string name = args[0]->toString();
+    if (!found(caller, name)) return nullptr;
     krFile file(name, true);
     const std::string including = s->getFile();
     // Reports of the included text name the included file while it is parsed and run.
@@ -81,7 +91,7 @@ krVariant* eachScript(krBlock* caller, const krArgs& args, krVariant* (krScripti
     krVariant* result = nullptr;
     for (krVariant* a : args) {
         const std::string name = a->toString();
-        if (name.empty()) continue;
+        if (name.empty() || !found(caller, name)) continue;
         krVariant* r = (host->*start)(name);
         if (!r && !everyStartCounts) continue;
         if (result) result->release();
@@ -112,9 +122,11 @@ krVariant* instantUnload(krBlock*, const krArgs& args) {
 
 krVariant* run(krBlock* caller, const krArgs& args) { return eachScript(caller, args, &krScripting::runScript, true); }
 
-krVariant* krfile(krBlock*, const krArgs& args) {
+krVariant* krfile(krBlock* caller, const krArgs& args) {
     if (args.size() != 1) return nullptr;
-    krFile file(args[0]->toString(), true);
+    const std::string name = args[0]->toString();
+    if (!found(caller, name)) return new krVString(std::string());
+    krFile file(name, true);
     // The text ends at the first NUL of the content.
     return new krVString(file.data ? std::string(file.data) : std::string());
 }

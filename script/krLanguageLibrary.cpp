@@ -1,7 +1,10 @@
 // The language's own library: output, evaluation, conversions, macros, plain file access.
 // File names here go straight to the file system, not through the data layer.
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <filesystem>
 #include <vector>
 
 #include "core/krVersion.h"
@@ -29,14 +32,27 @@ FILE* fileOf(krBlock* caller, krVariant* handle) {
     return nullptr;
 }
 
-bool readWhole(const std::string& name, std::string& text) {
+// Reads a plain file whole; on failure the reason, for the report. Regular files only: a device
+// such as /dev/zero never ends and a FIFO would hold the engine until someone writes to it. What a
+// script string cannot hold is refused.
+std::string readWhole(const std::string& name, std::string& text) {
+    std::error_code error;
+    if (!std::filesystem::exists(name, error)) return "no such file";
+    if (!std::filesystem::is_regular_file(name, error)) return "not a regular file";
     FILE* f = std::fopen(name.c_str(), "r");
-    if (!f) return false;
+    if (!f) return std::strerror(errno);
     char buffer[4096];
     size_t n;
-    while ((n = std::fread(buffer, 1, sizeof buffer, f)) > 0) text.append(buffer, n);
+    while ((n = std::fread(buffer, 1, sizeof buffer, f)) > 0) {
+        if (text.size() + n > krConvert::maxStringBytes) {
+            std::fclose(f);
+            text.clear();
+            return "larger than a string can be (" + std::to_string(krConvert::maxStringBytes) + " bytes)";
+        }
+        text.append(buffer, n);
+    }
     std::fclose(f);
-    return true;
+    return {};
 }
 
 krVariant* print(krBlock*, const krArgs& args) {
@@ -115,7 +131,8 @@ krVariant* fileText(krBlock* caller, const krArgs& args) {
     if (args.size() != 1) return nullptr;
     const std::string name = args[0]->toString();
     std::string text;
-    if (!readWhole(name, text)) return reportError(caller, "Cannot open file \"" + name + "\"");
+    const std::string failure = readWhole(name, text);
+    if (!failure.empty()) return reportError(caller, "Cannot open file \"" + name + "\" (" + failure + ")");
     return new krVString(std::move(text));
 }
 

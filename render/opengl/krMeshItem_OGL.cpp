@@ -108,7 +108,7 @@ void restoreState(const krMaterial& m, const TextureIds& ids) {
 }  // namespace
 
 krMeshItem_OGL::krMeshItem_OGL(krModule* m, krVideo_OGL* v, krMesh& mesh)
-    : krVideoItem_OGL(m, true, v), stamp(v) {
+    : krVideoItem_OGL(m, false, v), stamp(v) {
     build(mesh);
 }
 

@@ -18,7 +18,8 @@ class krMeshShader_OGL;
 class krMeshItem_OGL : public krVideoItem_OGL {
 public:
     // Builds everything from the mesh at once; the mesh's weights are renormalised to the
-    // video's `maxVertexWeights` on the way.
+    // video's `maxVertexWeights` on the way. The item is not in the module's list yet: shader
+    // scripts run while it is built, and one may tear the module down (joinModule).
     krMeshItem_OGL(krModule* module, krVideo_OGL* video, krMesh& mesh);
     ~krMeshItem_OGL() override;
     const char* className() const override { return "krMeshItem_OGL"; }

@@ -112,6 +112,9 @@ krShader_OGL* krShaders_OGL::load(const std::string& name) {
         script->load(file.data);
     }
     if (krVariant* result = script->eval()) result->release();
+    // The script may have deleted this table (or the video with it): what it would make now
+    // could never be drawn.
+    if (isTornDown()) return nullptr;
     const std::string vertex = stringVariable(*script, "vertex");
     const std::string fragment = stringVariable(*script, "fragment");
     const int32_t attributes = intVariable(*script, "attributes");

@@ -168,7 +168,16 @@ krShader_OGL* krVideo_OGL::selectShader(int32_t flags, const std::string& name, 
 
 krVideoItem* krVideo_OGL::createMeshItem(krModule* module, krMesh* mesh, int32_t) {
     if (!mesh || mesh->vertexCount <= 0 || !mesh->vertices || !contextReady) return nullptr;
-    return new krMeshItem_OGL(module, this, *mesh);
+    // Choosing shaders runs their .shader scripts, which may delete this video, its tables or the
+    // module: all stay in memory until the item is built, and it joins a module that still stands.
+    krModuleHold hold{this, module, shaders, textures};
+    auto* item = new krMeshItem_OGL(module, this, *mesh);
+    if (module->isTornDown()) {
+        delete item;
+        return nullptr;
+    }
+    item->joinModule();
+    return item;
 }
 
 krVideoItem* krVideo_OGL::createDynamicItem(krModule* module, krDynamicData* data, int32_t kind) {

@@ -5,6 +5,8 @@
 #include "platform/krWindowSystem.h"
 #include "render/krLight.h"
 #include "render/opengl/krShader_GLSL.h"
+#include "script/krSymbols.h"
+#include "script/krVObject.h"
 
 using glContent::MeshMaker;
 using glContent::solidTexture;
@@ -354,4 +356,56 @@ TEST_F(GLShaders, ShadersDeletedFromUnderTheirObjectsStayUsable) {
     object(m, {0, 0, -3});
     ASSERT_TRUE(frame());
     EXPECT_EQ(pixel(32, 24), 0xFFFFFFu);
+}
+
+// A .shader script runs while an item is being made for a mesh; it may delete whatever that work
+// stands on. Each case ends with no item, the rest of the engine whole, and (under the address
+// sanitizer) no access to freed memory.
+class GLShaderScripts : public GLShaders {
+protected:
+    // Loads a mesh whose one material asks for a shader that deletes GLOBALS["victim"].
+    void loadWithShaderDeleting(krModule* victim) {
+        shader("evil", "v", "f", "delete(GLOBALS[\"victim\"]);");
+        sources(vertexSource, fragmentSource);
+        krSymbols::findConstant("GLOBALS")->setIndex("victim", new krVObject(victim));
+        victimHandle = victim->handle();
+        MeshMaker m;
+        m.material().shader = "s/evil.shader";
+        m.square({}, 4);
+        object(m, {0, 0, -5});
+    }
+    bool victimGone() const { return krScriptObject::fromHandle(victimHandle) == nullptr; }
+    int32_t victimHandle = 0;
+};
+
+TEST_F(GLShaderScripts, DeletingTheWindow) {
+    ASSERT_TRUE(openScene());
+    loadWithShaderDeleting(window);
+    EXPECT_TRUE(victimGone());
+    EXPECT_EQ(root->getChildren().size(), 1u) << "only the script host is left";
+}
+
+TEST_F(GLShaderScripts, DeletingTheVideo) {
+    ASSERT_TRUE(openScene());
+    loadWithShaderDeleting(video);
+    EXPECT_TRUE(victimGone());
+    EXPECT_TRUE(frame());
+}
+
+TEST_F(GLShaderScripts, DeletingTheShaderTable) {
+    ASSERT_TRUE(openScene());
+    loadWithShaderDeleting(shaders());
+    EXPECT_TRUE(victimGone());
+    EXPECT_EQ(video->getShaders(), nullptr);
+    // The object's item was made without the table and draws with fixed-function state.
+    ASSERT_TRUE(frame());
+    EXPECT_EQ(pixel(32, 24), 0xFFFFFFu);
+}
+
+TEST_F(GLShaderScripts, DeletingTheObjectsOwner) {
+    ASSERT_TRUE(openScene());
+    loadWithShaderDeleting(scene);
+    EXPECT_TRUE(victimGone());
+    ASSERT_TRUE(frame());
+    EXPECT_EQ(pixel(32, 24), 0u);
 }
