@@ -367,7 +367,9 @@ protected:
     void loadWithShaderDeleting(krModule* victim) {
         shader("evil", "v", "f", "delete(GLOBALS[\"victim\"]);");
         sources(vertexSource, fragmentSource);
-        krSymbols::findConstant("GLOBALS")->setIndex("victim", new krVObject(victim));
+        auto* value = new krVObject(victim);
+        krSymbols::findConstant("GLOBALS")->setIndex("victim", value);
+        value->release();
         victimHandle = victim->handle();
         MeshMaker m;
         m.material().shader = "s/evil.shader";
