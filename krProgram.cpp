@@ -1,6 +1,7 @@
 // The list of subsystems, and the engine's start, frame loop and stop.
 #include "krProgram.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <ctime>
 
@@ -65,11 +66,7 @@ int krProgram::run() {
         if (!rootModule->update(dt)) break;
         // Without a window nothing else looks at the quit request.
         if (krSystem::quitPosted()) break;
-        const float period = rootModule->getFramePeriod();
-        if (period > 0) {
-            const auto spent = static_cast<float>(timerElapsed(frameTimer));
-            if (period > spent) sleepMs(static_cast<int>((period - spent) * 1000));
-        }
+        if (const int ms = frameSleepMs(rootModule->getFramePeriod(), timerElapsed(frameTimer))) sleepMs(ms);
     }
     timerStop(frameTimer);
     return 0;
@@ -85,6 +82,14 @@ void krProgram::stop() {
     rootModule->release();
     hostModule = nullptr;
     rootModule = nullptr;
+}
+
+int krProgram::frameSleepMs(float period, double spent) {
+    const double wanted = period > 0 ? period : 1.0 / defaultFrameRate;
+    if (!(wanted > spent)) return 0;
+    // In double and bounded before the cast: a tiny limit makes a period beyond any int.
+    const double ms = std::min((wanted - spent) * 1000, static_cast<double>(maxSleepMs));
+    return static_cast<int>(ms);
 }
 
 krMain* krProgram::root() { return rootModule; }

@@ -19,4 +19,14 @@ namespace krProgram {
 
     krMain* root();
     krScripting* host();
+
+    // Where a script sets no fpsLimit the loop still sleeps down to this rate: a run without a
+    // window (a test, a dedicated server) must not spin a core, and the physics takes one substep
+    // of 0.002 s a frame at this rate.
+    constexpr float defaultFrameRate = 500;
+    // The longest one frame sleeps, however small a limit a script sets.
+    constexpr int maxSleepMs = 60000;
+    // Milliseconds to sleep after a frame that took `spent` seconds, for a frame period of
+    // `period` seconds (0: the default rate); 0 when the frame took its time already.
+    int frameSleepMs(float period, double spent);
 }

@@ -4,17 +4,38 @@
 #include <cstring>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "core/krFileIndex.h"
 #include "core/krVersion.h"
 #include "krProgram.h"
 #include "krReference.h"
+#include "platform/krSystem.h"
 #include "script/krScripting.h"
 
 namespace {
 
 // Exit code of a command line that names no first script that exists.
 constexpr int usageExitCode = 2;
+
+// The engine's stock data pack: beside the program, in the data folder of the prefix it was
+// installed to, or where the build made it. "" when there is none.
+std::string stockDataPack() {
+    namespace fs = std::filesystem;
+    std::vector<fs::path> candidates;
+    const std::string program = krSystem::executablePath();
+    if (!program.empty()) {
+        const fs::path folder = fs::path(program).parent_path();
+        candidates.push_back(folder / "data.kr");
+        candidates.push_back(folder.parent_path() / KERRIN_DATA_INSTALL_DIR / "data.kr");
+    }
+    candidates.push_back(KERRIN_BUILD_DATA_PACK);
+    for (const fs::path& candidate : candidates) {
+        std::error_code error;
+        if (fs::is_regular_file(candidate, error)) return candidate.string();
+    }
+    return {};
+}
 
 const char usage[] =
     "usage: kerrin [-i first.script]\n"
@@ -47,6 +68,7 @@ int main(int argc, char** argv) {
         return 0;
     }
 
+    krFileIndex::setStockPack(stockDataPack());
     krProgram::start(argc, argv);
     if (argc == 2 && std::strcmp(argv[1], "--reference") == 0) {
         std::fputs(krReference::markdown().c_str(), stdout);

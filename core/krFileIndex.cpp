@@ -14,6 +14,7 @@ namespace {
 
 std::map<std::string, krFileEntry> index;
 bool built = false;
+std::string stockPack;
 
 // Deeper than any asset tree goes; stops the walk in a tree nested without end.
 constexpr int maxListingDepth = 128;
@@ -56,11 +57,12 @@ bool isPack(const std::string& path) {
            path.compare(path.size() - packSuffixLength, packSuffixLength, packSuffix) == 0;
 }
 
-void mountPack(const std::string& packPath) {
-    const std::string mount = packPath.substr(0, packPath.size() - packSuffixLength) + "/";
+// `root` mounts the pack at the root of the tree, wherever it lies.
+void mountPack(const std::string& packPath, bool root = false) {
+    const std::string mount = root ? std::string() : packPath.substr(0, packPath.size() - packSuffixLength) + "/";
     krReadPackDirectory(packPath, [&](const krPackEntry& e) {
         std::string key = mount + e.name;
-        if (key.compare(0, dataFolderLength, dataFolder) == 0) key.erase(0, dataFolderLength);
+        if (!root && key.compare(0, dataFolderLength, dataFolder) == 0) key.erase(0, dataFolderLength);
         krFileEntry entry;
         entry.packed = 1;
         entry.packPath = packPath;
@@ -92,8 +94,12 @@ void krFileIndex::build(const std::vector<std::string>& listing) {
         else
             index[path] = krFileEntry();
     }
+    // Last: its entries only fill what the working directory left open.
+    if (!stockPack.empty()) mountPack(stockPack, true);
     built = true;
 }
+
+void krFileIndex::setStockPack(const std::string& path) { stockPack = path; }
 
 void krFileIndex::forget() {
     index.clear();

@@ -33,6 +33,11 @@ public:
     // beats a pack entry under the same key in either order; among packs the first one wins.
     static void build(const std::vector<std::string>& listing);
 
+    // The engine's stock data pack (shaders, fallback textures), mounted at the root of the
+    // logical tree below everything of the working directory, so that a game's own files win.
+    // An empty path mounts none. Counts from the next build.
+    static void setStockPack(const std::string& path);
+
     // Test seam: forgets the index, so that the next open scans the working directory again.
     // The engine itself never calls it.
     static void forget();

@@ -73,6 +73,12 @@ void krSystem::setMessageBoxAvailable(bool available) { boxAvailable = available
 void krSystem::setMessageBoxHook(MessageBoxHook hook) { boxHook = hook; }
 void krSystem::setMessageBoxShow(MessageBoxShow show) { boxShow = show; }
 
+std::string krSystem::executablePath() {
+    std::error_code error;
+    const std::filesystem::path path = std::filesystem::read_symlink("/proc/self/exe", error);
+    return error ? std::string() : path.string();
+}
+
 const char* krSystem::stackFloor = nullptr;
 
 void krSystem::markStackBase() {

@@ -35,6 +35,8 @@ namespace krSystem {
     // Names of the entries of one directory ("" is the working directory) that match a pattern
     // of '*' and '?' wildcards, sorted. "." and ".." are entries too; "*.*" matches every name.
     std::vector<std::string> listDirectory(const std::string& dir, const std::string& pattern);
+    // The full path of the running program, or "" where the system does not tell.
+    std::string executablePath();
 
     // The lowest stack address that recursion may reach (stacks grow downwards here).
     extern const char* stackFloor;

@@ -90,6 +90,22 @@ TEST_F(FileIndex, LooseFileBeatsPackEntryInEitherListingOrder) {
     }
 }
 
+TEST_F(FileIndex, TheStockPackMountsAtTheRootBelowEverythingOfTheWorkingDirectory) {
+    write("elsewhere/engine/data.kr", storedPack({{"shaders/a.shader", "stock a"}, {"shaders/b.shader", "stock b"},
+                                                  {"textures/c.dds", "stock c"}}));
+    write("data.kr", storedPack({{"shaders/b.shader", "game b"}}));
+    write("shaders/a.shader", "loose a");
+    write("elsewhere/not-scanned.txt", "");
+    krFileIndex::setStockPack(std::filesystem::absolute("elsewhere/engine/data.kr").string());
+    krFileIndex::build({"shaders/a.shader", "data.kr"});
+    krFileIndex::setStockPack("");
+    EXPECT_EQ(content("shaders/a.shader"), "loose a");
+    EXPECT_EQ(content("shaders/b.shader"), "game b");
+    EXPECT_EQ(content("textures/c.dds"), "stock c");
+    krFileIndex::forget();
+    EXPECT_EQ(content("textures/c.dds"), "<missing>") << "no stock pack once it is unset";
+}
+
 TEST_F(FileIndex, FirstPackInListingOrderWins) {
     write("data.kr", storedPack({{"x/same.txt", "from data"}}));
     write("x.kr", storedPack({{"same.txt", "from x"}}));
