@@ -79,8 +79,8 @@ int main(int argc, char** argv) {
     const std::string first = krScripting::firstScriptName(argc, argv);
     if (!krFileIndex::find(first)) {
         std::error_code error;
-        std::fprintf(stderr, "kerrin: no first script: \"%s\" is not in %s\n%s", first.c_str(),
-                     std::filesystem::current_path(error).c_str(), usage);
+        std::fprintf(stderr, "kerrin: no first script: \"%s\" was not found below the working directory %s\n%s",
+                     first.c_str(), std::filesystem::current_path(error).c_str(), usage);
         krProgram::stop();
         return usageExitCode;
     }

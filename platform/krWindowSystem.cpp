@@ -129,8 +129,20 @@ void translate(const SDL_Event& e) {
 
 bool krWindowSystem::start(std::string& error) {
     if (startCount == 0) {
+        // Without a display the video library would fall back to drawing off screen, and a game
+        // would run unseen. Off-screen drawing is for whoever asks for its driver by name.
+        const char* driver = SDL_getenv("SDL_VIDEODRIVER");
+        const char* display = SDL_getenv("DISPLAY");
+        const char* wayland = SDL_getenv("WAYLAND_DISPLAY");
+        const bool chosen = driver && *driver;
+        if (!chosen && !(display && *display) && !(wayland && *wayland)) {
+            error = "there is no display (DISPLAY is not set); to draw without one, set SDL_VIDEODRIVER=offscreen";
+            return false;
+        }
         if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) {
             error = SDL_GetError();
+            // The library's last word is of the last driver it tried, often not the one wanted.
+            if (!chosen && display && *display) error = "cannot open the display \"" + std::string(display) + "\" (" + error + ")";
             return false;
         }
         krWindowSystemSDL::installMessageBox();
