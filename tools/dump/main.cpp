@@ -2,9 +2,11 @@
 // and the main fields of skeleton and animation records), for a pack its directory, and for a
 // font the glyphs of its table. Problems in the file go to standard error and make the exit
 // status non-zero; what could be read is still shown.
+#include <cerrno>
 #include <cinttypes>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -19,6 +21,25 @@ namespace {
 
 // Deeper nesting than any format has; a hostile file gets no deeper into the stack.
 constexpr int maxDepth = 32;
+
+// The families of chunk files, by the top byte of their ids: packs, meshes and skeletons, fonts,
+// replays.
+constexpr uint32_t firstFamily = 0x1, lastFamily = 0x4;
+
+const char usage[] = "usage: kerrin-dump FILE...\n";
+const char help[] =
+    "\n"
+    "Shows the chunk tree of each chunk file (packs, meshes, split trees and the other binary\n"
+    "assets): id, name where known, offset, size and nesting, and a pack's directory. Problems go\n"
+    "to standard error and make the exit status 1; what could be read is still shown.\n";
+
+// Whether the bytes start like a chunk file: a first chunk of a known id or family.
+bool isChunkFile(const krFile& file) {
+    if (file.size < krChunk::headerSize) return false;
+    const uint32_t id = krGetChunkHeader(file.data).id;
+    const uint32_t family = id >> 24;
+    return krFindChunkName(id) || (family >= firstFamily && family <= lastFamily);
+}
 
 class Dump {
 public:
@@ -117,17 +138,28 @@ private:
 };
 
 bool dumpFile(const std::string& path) {
+    // A device or a pipe could go on without end.
+    std::error_code error;
+    if (std::filesystem::exists(path, error) && !std::filesystem::is_regular_file(path, error)) {
+        std::fprintf(stderr, "kerrin-dump: %s: not a regular file\n", path.c_str());
+        return false;
+    }
     std::ifstream in(path, std::ios::binary);
     if (!in) {
-        std::fprintf(stderr, "kerrin-dump: cannot open %s\n", path.c_str());
+        std::fprintf(stderr, "kerrin-dump: cannot open %s: %s\n", path.c_str(), std::strerror(errno));
         return false;
     }
     const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
     if (in.bad() || bytes.size() >= UINT32_MAX) {
-        std::fprintf(stderr, "kerrin-dump: cannot read %s\n", path.c_str());
+        std::fprintf(stderr, "kerrin-dump: cannot read %s: %s\n", path.c_str(),
+                     in.bad() ? std::strerror(errno) : "larger than a chunk file can be");
         return false;
     }
     krFile file(krFile::inMemory, bytes.data(), static_cast<uint32_t>(bytes.size()));
+    if (!isChunkFile(file)) {
+        std::fprintf(stderr, "kerrin-dump: %s: not a chunk file\n", path.c_str());
+        return false;
+    }
     Dump dump(path, file);
     dump.chunks(nullptr, 0);
     if (file.size >= krChunk::headerSize && krGetU32(file.data) == krPack::rootId) dump.packDirectory();
@@ -137,8 +169,13 @@ bool dumpFile(const std::string& path) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (argc == 2 && std::strcmp(argv[1], "--help") == 0) {
+        std::fputs(usage, stdout);
+        std::fputs(help, stdout);
+        return 0;
+    }
     if (argc < 2) {
-        std::fputs("usage: kerrin-dump FILE...\n", stderr);
+        std::fputs(usage, stderr);
         return 1;
     }
     bool ok = true;

@@ -3,8 +3,10 @@
 
 #include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <limits>
 #include <map>
+#include <set>
 #include <tuple>
 #include <unordered_map>
 
@@ -86,6 +88,33 @@ std::string krTextureFileName(const std::string& modelName) {
     const size_t dot = name.rfind('.');
     if (dot != std::string::npos && (slash == std::string::npos || dot > slash)) name.erase(dot);
     return name + ".dds";
+}
+
+std::vector<std::string> krTextureWarnings(const krModel& model, const std::string& imageFolder,
+                                           const std::string& meshFolder) {
+    namespace fs = std::filesystem;
+    auto there = [](const std::string& folder, const std::string& name) {
+        std::error_code error;
+        return fs::exists(fs::path(folder.empty() ? "." : folder) / name, error);
+    };
+    std::vector<std::string> warnings;
+    std::set<std::string> seen;
+    for (const krModelMaterial& m : model.materials) {
+        for (const std::string* texture : {&m.diffuseTexture, &m.normalTexture, &m.specularTexture}) {
+            if (texture->empty() || !seen.insert(*texture).second) continue;
+            const std::string named = krTextureFileName(*texture);
+            std::string path = *texture;
+            for (char& c : path)
+                if (c == '\\') c = '/';
+            if (!there(imageFolder, path))
+                warnings.push_back("texture '" + *texture + "' of material '" + m.name + "' is not there (looked in '" +
+                                   (imageFolder.empty() ? std::string(".") : imageFolder) + "')");
+            if (named != path && !there(meshFolder, named))
+                warnings.push_back("texture '" + *texture + "' is named '" + named + "' in the mesh, and there is no " +
+                                   "such file beside it: convert the image with kerrin-texture and put it there");
+        }
+    }
+    return warnings;
 }
 
 namespace {

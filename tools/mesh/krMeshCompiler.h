@@ -34,3 +34,8 @@ bool krCompileAnimation(const krModelAnimation& animation, const krMeshCompileOp
 // A model's texture name as the mesh file gives it: "/" as separator and the ".dds" the engine
 // reads, since the texture tool converts each image beside itself.
 std::string krTextureFileName(const std::string& modelName);
+// What the game would miss of the model's textures, each said once: an image that is not in
+// `imageFolder` (the model's own, unless told otherwise), and one that the mesh names by another
+// name (x.png becomes x.dds) while no such file lies in `meshFolder`, beside the mesh file.
+std::vector<std::string> krTextureWarnings(const krModel& model, const std::string& imageFolder,
+                                           const std::string& meshFolder);

@@ -56,6 +56,9 @@ struct krModel {
     // played once, whose keys end on the last pose instead of wrapping round to the first.
     float keysPerSecond = 30;
     std::set<std::string> playedOnce;
+    // What the reader noticed that the game would see in the mesh: a material file that is not
+    // there, a material without an ambient colour. For the tool to say; none stops it.
+    std::vector<std::string> warnings;
 
     // The material's index, made with defaults under that name if it is new.
     size_t material(const std::string& name);

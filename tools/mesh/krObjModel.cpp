@@ -13,6 +13,8 @@ krColor colorOf(const tinyobj::real_t (&c)[3]) {
     return {krUnitToByte(c[0]), krUnitToByte(c[1]), krUnitToByte(c[2]), 255};
 }
 
+bool isBlack(const krColor& c) { return c.r == 0 && c.g == 0 && c.b == 0; }
+
 void addMaterial(krModel& model, const tinyobj::material_t& m) {
     krModelMaterial& out = model.materials[model.material(m.name)];
     out.ambient = colorOf(m.ambient);
@@ -26,6 +28,10 @@ void addMaterial(krModel& model, const tinyobj::material_t& m) {
     out.specularTexture = m.specular_texname;
     if (m.dissolve < 1) out.alphaMode = krMeshFile::alphaBlend;
     else if (!m.alpha_texname.empty()) out.alphaMode = krMeshFile::alphaTest;
+    // A material file without Ka gives black, and the engine lights ambient light by it.
+    if (isBlack(out.ambient) && !isBlack(out.diffuse))
+        model.warnings.push_back("material '" + m.name + "' has no ambient colour (Ka): it will draw black where " +
+                                 "no lamp shines on it");
 }
 
 }  // namespace
@@ -39,6 +45,16 @@ bool krReadObjModel(const std::string& path, krModel& model, std::string& error)
         error = reader.Error().empty() ? "cannot read " + path : reader.Error();
         while (!error.empty() && std::isspace(static_cast<unsigned char>(error.back()))) error.pop_back();
         return false;
+    }
+    // The parser's own notes: a material file or a material that is not there, and the like.
+    std::string note;
+    for (char c : reader.Warning() + "\n") {
+        if (c != '\n') {
+            note += c;
+        } else if (!note.empty()) {
+            model.warnings.push_back(note);
+            note.clear();
+        }
     }
     const tinyobj::attrib_t& a = reader.GetAttrib();
     const std::vector<tinyobj::material_t>& materials = reader.GetMaterials();

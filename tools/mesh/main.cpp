@@ -1,33 +1,54 @@
 // kerrin-mesh: a Wavefront OBJ or glTF 2.0 model to a mesh file of one object with its mesh; for
 // a skinned glTF model also the skeleton file and one animation file per animation.
 #include <cctype>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include "krMeshCompiler.h"
 
 namespace {
 
+const char usageText[] =
+    "usage: kerrin-mesh [--scale S] [--kind drawn|hull|rays|plain] [--name NAME] [--images DIR]\n"
+    "                   [--skeleton FILE] [--animations FOLDER] [--keys-per-second N] [--once ANIMATION]...\n"
+    "                   MODEL OUTPUT\n"
+    "  MODEL is .obj (with its .mtl), .gltf or .glb; OUTPUT is the mesh file to write.\n";
+
+const char helpText[] =
+    "\n"
+    "Writes one object with its mesh. What a game must do with it:\n"
+    "  - Textures are named in the mesh as .dds files at the path the model gives, relative to\n"
+    "    the mesh file: convert each image with kerrin-texture (x.png to x.dds) and put it there,\n"
+    "    beside the mesh, in the same folder or pack.\n"
+    "  - Give every material an ambient colour (Ka in a .mtl file): without one it draws black\n"
+    "    where no lamp shines on it.\n"
+    "  --scale S              multiplies every position (default 1)\n"
+    "  --kind K               drawn (default), hull or rays (collision), plain (neither)\n"
+    "  --name NAME            the object's name (default: the model's file name)\n"
+    "  --images DIR           where the model's images are, when not beside it (for the warnings only)\n"
+    "  --skeleton FILE        a skinned glTF model's skeleton goes to FILE\n"
+    "  --animations FOLDER    and each of its animations to FOLDER/NAME.anim\n"
+    "  --keys-per-second N    animation keys a second (30)\n"
+    "  --once ANIMATION       played once: its keys end on its last pose (load it with DONT_LOOP)\n"
+    "Warnings (a missing .mtl or texture, a renamed texture, a material without ambient colour)\n"
+    "go to standard error; the mesh is still written.\n";
+
 int usage() {
-    std::fprintf(stderr,
-                 "usage: kerrin-mesh [--scale S] [--kind drawn|hull|rays|plain] [--name NAME]\n"
-                 "                   [--skeleton FILE] [--animations FOLDER] [--keys-per-second N] [--once ANIMATION]...\n"
-                 "                   MODEL OUTPUT\n"
-                 "  MODEL is .obj (with its .mtl), .gltf or .glb; OUTPUT is the mesh file to write.\n"
-                 "  A skinned glTF model's skeleton goes to FILE, and each of its animations to FOLDER/NAME.anim,\n"
-                 "  sampled at N keys a second (30); an animation named by --once is played once, so its keys\n"
-                 "  end on its last pose (load it with DONT_LOOP).\n");
+    std::fputs(usageText, stderr);
     return 2;
 }
 
 bool writeFile(const std::string& path, const std::string& bytes) {
     std::ofstream out(path, std::ios::binary);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    if (out.flush()) return true;
-    std::fprintf(stderr, "kerrin-mesh: cannot write '%s'\n", path.c_str());
+    if (out) out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    if (out && out.flush()) return true;
+    std::fprintf(stderr, "kerrin-mesh: cannot write '%s': %s\n", path.c_str(), std::strerror(errno));
     return false;
 }
 
@@ -55,9 +76,14 @@ bool kindOf(const std::string& word, int32_t& kind) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (argc == 2 && std::strcmp(argv[1], "--help") == 0) {
+        std::fputs(usageText, stdout);
+        std::fputs(helpText, stdout);
+        return 0;
+    }
     krMeshCompileOptions options;
     krModel model;
-    std::string input, output, skeletonFile, animationFolder;
+    std::string input, output, skeletonFile, animationFolder, images;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
         const bool hasValue = i + 1 < argc;
@@ -75,6 +101,8 @@ int main(int argc, char** argv) {
             }
         } else if (arg == "--name" && hasValue) {
             options.name = argv[++i];
+        } else if (arg == "--images" && hasValue) {
+            images = argv[++i];
         } else if (arg == "--skeleton" && hasValue) {
             skeletonFile = argv[++i];
         } else if (arg == "--animations" && hasValue) {
@@ -105,6 +133,10 @@ int main(int argc, char** argv) {
         options.name = options.name.substr(0, options.name.rfind('.'));
     }
 
+    if (!std::ifstream(input)) {
+        std::fprintf(stderr, "kerrin-mesh: cannot read '%s': %s\n", input.c_str(), std::strerror(errno));
+        return 1;
+    }
     std::string error;
     bool read;
     if (endsWith(input, ".obj")) read = krReadObjModel(input, model, error);
@@ -118,6 +150,11 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "kerrin-mesh: %s: %s\n", input.c_str(), error.c_str());
         return 1;
     }
+    if (images.empty()) images = std::filesystem::path(input).parent_path().string();
+    std::vector<std::string> warnings = model.warnings;
+    for (const std::string& w : krTextureWarnings(model, images, std::filesystem::path(output).parent_path().string()))
+        warnings.push_back(w);
+    for (const std::string& w : warnings) std::fprintf(stderr, "kerrin-mesh: %s: warning: %s\n", input.c_str(), w.c_str());
     if (!writeFile(output, file)) return 1;
     if (!skeletonFile.empty()) {
         if (!krCompileSkeleton(model, options, file, error)) {

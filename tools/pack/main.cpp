@@ -3,7 +3,9 @@
 #include <fnmatch.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -24,6 +26,12 @@ const char usage[] =
     "  --store PATTERN        keep entries whose name matches PATTERN uncompressed\n"
     "  --compress PATTERN     compress entries whose name matches PATTERN\n"
     "Patterns use * and ? and match the whole entry name, '/' included; the last matching one wins.\n";
+
+const char helpText[] =
+    "\n"
+    "A pack in a game's folder mounts its entries below the pack's own path without \".kr\": maps/a.kr\n"
+    "holds maps/a/... A pack named data.kr, or one in a folder named data, mounts at the root. Loose\n"
+    "files win over pack entries of the same name, and among packs the first one listed wins.\n";
 
 struct Rule {
     std::string pattern;
@@ -87,6 +95,9 @@ uint32_t methodFor(const Options& o, const std::string& name) {
     return method;
 }
 
+// Why the last file operation failed, in words.
+std::string reason() { return std::strerror(errno); }
+
 bool readWhole(const fs::path& path, std::string* content) {
     std::ifstream in(path, std::ios::binary);
     if (!in) return false;
@@ -97,6 +108,11 @@ bool readWhole(const fs::path& path, std::string* content) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (argc == 2 && std::strcmp(argv[1], "--help") == 0) {
+        std::fputs(usage, stdout);
+        std::fputs(helpText, stdout);
+        return 0;
+    }
     Options options;
     std::string error;
     if (!parseArgs(argc, argv, &options, &error)) {
@@ -122,15 +138,16 @@ int main(int argc, char** argv) {
     krPackWriter writer;
     for (const auto& [name, path] : files) {
         std::string content;
-        if (!readWhole(path, &content)) return fail("cannot read " + path.string());
+        if (!readWhole(path, &content)) return fail("cannot read " + path.string() + ": " + reason());
         if (!writer.add(name, content, methodFor(options, name), &error)) return fail(error);
     }
     std::string pack;
     if (!writer.build(&pack, &error)) return fail(error);
 
     std::ofstream out(options.pack, std::ios::binary | std::ios::trunc);
+    if (!out) return fail("cannot write " + options.pack.string() + ": " + reason());
     out.write(pack.data(), static_cast<std::streamsize>(pack.size()));
     out.close();
-    if (!out) return fail("cannot write " + options.pack.string());
+    if (!out) return fail("cannot write " + options.pack.string() + ": " + reason());
     return 0;
 }

@@ -1,6 +1,8 @@
 // kerrin-split: a list of placed mesh files to a split-tree file that a level loads in one go.
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -11,11 +13,19 @@
 
 namespace {
 
+const char usageText[] =
+    "usage: kerrin-split [--leaves N] LIST OUTPUT\n"
+    "  LIST has a line \"FILE X Y Z [rotate DEGREES AX AY AZ] [name NAME] [type N]\" for each\n"
+    "  placed mesh file, relative to the list's folder; N leaves at most per split (8).\n";
+
+const char helpText[] =
+    "\n"
+    "Builds a split tree: a level's placed mesh files in boxes within boxes, which the engine loads\n"
+    "in one go and culls whole branches of. Text after # on a line is a comment. The tree names\n"
+    "each mesh file relative to the tree's own folder: keep them there, in the folder or pack.\n";
+
 int usage() {
-    std::fprintf(stderr,
-                 "usage: kerrin-split [--leaves N] LIST OUTPUT\n"
-                 "  LIST has a line \"FILE X Y Z [rotate DEGREES AX AY AZ] [name NAME] [type N]\" for each\n"
-                 "  placed mesh file, relative to the list's folder; N leaves at most per split (8).\n");
+    std::fputs(usageText, stderr);
     return 2;
 }
 
@@ -31,6 +41,11 @@ void report(const char* event, const std::string& text) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (argc == 2 && std::strcmp(argv[1], "--help") == 0) {
+        std::fputs(usageText, stdout);
+        std::fputs(helpText, stdout);
+        return 0;
+    }
     krSplitOptions options;
     std::string list, output;
     for (int i = 1; i < argc; ++i) {
@@ -57,7 +72,7 @@ int main(int argc, char** argv) {
 
     std::ifstream in(list, std::ios::binary);
     if (!in) {
-        std::fprintf(stderr, "kerrin-split: cannot read '%s'\n", list.c_str());
+        std::fprintf(stderr, "kerrin-split: cannot read '%s': %s\n", list.c_str(), std::strerror(errno));
         return 1;
     }
     const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
@@ -78,9 +93,9 @@ int main(int argc, char** argv) {
     }
     if (damaged) return 1;
     std::ofstream out(output, std::ios::binary);
-    out.write(file.data(), static_cast<std::streamsize>(file.size()));
-    if (!out.flush()) {
-        std::fprintf(stderr, "kerrin-split: cannot write '%s'\n", output.c_str());
+    if (out) out.write(file.data(), static_cast<std::streamsize>(file.size()));
+    if (!out || !out.flush()) {
+        std::fprintf(stderr, "kerrin-split: cannot write '%s': %s\n", output.c_str(), std::strerror(errno));
         return 1;
     }
     return 0;

@@ -1,6 +1,8 @@
 // kerrin-texture: a PNG image to a DDS texture, uncompressed BGRA unless a block format is asked
 // for, optionally with its chain of smaller levels.
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <string>
 
@@ -9,14 +11,30 @@
 
 namespace {
 
+const char usageText[] = "usage: kerrin-texture [--format bgra|dxt1|dxt5] [--mipmaps] IMAGE.png OUTPUT.dds\n";
+
+const char helpText[] =
+    "\n"
+    "Converts a PNG image to the DDS texture the engine reads.\n"
+    "  --format bgra   uncompressed, exact colours (default; for normal and specular maps)\n"
+    "  --format dxt1   block-compressed colour, no alpha (colour maps)\n"
+    "  --format dxt5   block-compressed colour with smooth alpha\n"
+    "  --mipmaps       adds the chain of smaller levels\n"
+    "Put the texture where the mesh names it: beside the mesh file, under the image's name with .dds.\n";
+
 int usage() {
-    std::fprintf(stderr, "usage: kerrin-texture [--format bgra|dxt1|dxt5] [--mipmaps] IMAGE.png OUTPUT.dds\n");
+    std::fputs(usageText, stderr);
     return 2;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (argc == 2 && std::strcmp(argv[1], "--help") == 0) {
+        std::fputs(usageText, stdout);
+        std::fputs(helpText, stdout);
+        return 0;
+    }
     krTextureFormat format = krTextureFormat::bgra;
     bool mipmaps = false;
     std::string input, output;
@@ -45,6 +63,10 @@ int main(int argc, char** argv) {
     }
     if (output.empty()) return usage();
 
+    if (!std::ifstream(input)) {
+        std::fprintf(stderr, "kerrin-texture: cannot read '%s': %s\n", input.c_str(), std::strerror(errno));
+        return 1;
+    }
     krImage image;
     std::string error;
     if (!krLoadPng(input, image, error)) {
@@ -58,9 +80,9 @@ int main(int argc, char** argv) {
     }
     const std::string file = krEncodeDds(image, format, mipmaps);
     std::ofstream out(output, std::ios::binary);
-    out.write(file.data(), static_cast<std::streamsize>(file.size()));
-    if (!out.flush()) {
-        std::fprintf(stderr, "kerrin-texture: cannot write '%s'\n", output.c_str());
+    if (out) out.write(file.data(), static_cast<std::streamsize>(file.size()));
+    if (!out || !out.flush()) {
+        std::fprintf(stderr, "kerrin-texture: cannot write '%s': %s\n", output.c_str(), std::strerror(errno));
         return 1;
     }
     return 0;
