@@ -45,12 +45,7 @@ public:
     const krColor& getBackground() const { return background; }
     int32_t getWidth() const { return width; }
     int32_t getHeight() const { return height; }
-    bool isActive() const { return active; }
     bool getWaitMessages() const { return waitMessages; }
-    bool getMouseCapture() const { return mouseCapture; }
-    float getFps() const { return fps; }
-    float getAvgFps() const { return avgFps; }
-    float getFrameTime() const { return frameTime; }
     const std::string& getMode() const { return mode; }
     const std::string& getVersion() const { return version; }
 

@@ -77,20 +77,15 @@ public:
     void closePolygonCount() { polyCount = polygonCounter; }
     int32_t getPolyCount() const { return polyCount; }
 
-    float getTimer() const { return timer; }
     const krVector3& getEyeCopy() const { return eyeCopy; }
-    const krMatrix& getProjection() const { return projection; }
-    const krMatrix& getModelView() const { return modelView; }
     // World to 2D overlay coordinates of the current viewport.
     const krMatrix& getScreenMatrix() const { return screenMatrix; }
     int32_t getFrameNumber() const { return frameNumber; }
     // Transparent triangles re-sort this frame rather than in their turn.
     bool getForceAlphaSort() const { return forceAlphaSort; }
     float getAnisotropy() const { return anisotropy; }
-    float getNearPlane() const { return nearPlane; }
     float getMotionBlur() const { return motionBlur; }
     int32_t getMaxVertexWeights() const { return maxVertexWeights; }
-    int32_t getOptimizeSkinGroups() const { return optimizeSkinGroups; }
     uint32_t getQuery() const { return query; }
 
     // Selects fixed-function drawing again after a shader program, through the shader table.

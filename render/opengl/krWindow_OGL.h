@@ -35,7 +35,6 @@ public:
     krVideo_OGL* getVideo_OGL() const;
     // The window system's window, for code that draws into it outside the frame.
     krNativeWindow* getNative() const { return native; }
-    bool isReady() const { return ready; }
     int32_t getAntialiasing() const { return antialiasing; }
     bool isFullscreen() const { return fullscreen; }
 
