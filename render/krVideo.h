@@ -62,6 +62,7 @@ public:
     const std::vector<krLight*>& getLights() const { return lights; }
 
     krViewPort* getCurrentViewPort() const { return currentViewPort; }
+    krCamera* getCurrentCamera() const { return currentCamera; }
     const krVector3& getEye() const { return eye; }
     const krVector3& getViewDirection() const { return viewDirection; }
     float getViewCone() const { return viewCone; }
