@@ -2,6 +2,7 @@
 #include "interface/krKeysetObject.h"
 
 #include "core/krFile.h"
+#include "core/krModule.h"
 #include "interface/krInputKeys.h"
 #include "script/krScript.h"
 #include "script/krScripting.h"
@@ -20,6 +21,9 @@ krKeysetObject::~krKeysetObject() {
 void krKeysetObject::loadKeys(const std::string& path) {
     // A key set that loads a key set for the same object would find this one's script gone.
     if (keys) return;
+    // The key set is a script: it may delete the object it configures, which stays in memory
+    // until the keys are read.
+    krModuleHold hold{dynamic_cast<krModule*>(this)};
     keys = new krScript();
     keys->setHost(krScripting::instance());
     keys->setFile(path);

@@ -102,3 +102,21 @@ TEST_F(InputKeyset, MissingOrBrokenFilesGiveDefaults) {
     EXPECT_EQ(b.forward, krLetterKey('A'));
     EXPECT_FALSE(engineTesting::reports().empty());
 }
+
+namespace {
+struct ModuleBindings : krModule, krKeysetObject {
+    using krModule::krModule;
+    float sensitivity = 0;
+    void applyKeys() override { sensitivity = getFloat("sensitivity", 1); }
+};
+}
+
+TEST_F(InputKeyset, AKeySetMayDeleteTheObjectItConfigures) {
+    auto* m = make<ModuleBindings>();
+    const int32_t handle = m->handle();
+    ASSERT_EQ(root->getChildren().back(), m);
+    write("keys.script", "delete(MAIN.child(MAIN.count - 1));\n$sensitivity = 0.5;\n");
+    m->loadKeys("keys.script");
+    EXPECT_EQ(krScriptObject::fromHandle(handle), nullptr);
+    EXPECT_TRUE(engineTesting::reports().empty());
+}
