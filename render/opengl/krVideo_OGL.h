@@ -86,6 +86,7 @@ public:
     float getAnisotropy() const { return anisotropy; }
     float getMotionBlur() const { return motionBlur; }
     int32_t getMaxVertexWeights() const { return maxVertexWeights; }
+    int32_t getOptimizeSkinGroups() const { return optimizeSkinGroups; }
     uint32_t getQuery() const { return query; }
 
     // Selects fixed-function drawing again after a shader program, through the shader table.
