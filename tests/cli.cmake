@@ -30,7 +30,7 @@ expect(0 COMMAND ${KERRIN} --help MATCH "out:usage: kerrin" "out:working directo
 expect(0 COMMAND ${KERRIN} --version MATCH "out:^kerrin ${VERSION}\n$")
 expect(2 COMMAND ${KERRIN} MATCH "err:no first script: \"init.script\"" "err:usage: kerrin")
 expect(2 COMMAND ${KERRIN} -i misspelt.script MATCH "err:\"misspelt.script\" was not found")
-foreach(tool dump font mesh pack split texture)
+foreach(tool dump font mesh pack sound split texture)
   expect(0 COMMAND ${TOOLS}/${tool}/kerrin-${tool} --help MATCH "out:^usage: kerrin-${tool}")
 endforeach()
 

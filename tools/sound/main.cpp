@@ -1,7 +1,9 @@
 // kerrin-sound: makes the engine's generated sounds and writes them as WAV or Ogg Vorbis, chosen
 // by the output's extension.
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <string>
 
@@ -14,10 +16,18 @@ namespace {
 // Vorbis quality of the written files: small files that still sound clean.
 constexpr float defaultQuality = 0.3f;
 
+const char usageText[] =
+    "usage: kerrin-sound [--quality Q] engine|music OUTPUT.wav|OUTPUT.ogg\n"
+    "       kerrin-sound [--quality Q] tone HZ SECONDS RATE CHANNELS OUTPUT.wav|OUTPUT.ogg\n";
+
+const char helpText[] =
+    "\n"
+    "Makes a generated sound: the engine hum that vehicles pitch with their speed, the demo's music,\n"
+    "or a plain tone. The output's extension chooses PCM WAV (for new_sound) or Ogg Vorbis (for\n"
+    "new_music), of quality Q from 0 to 1 (0.3).\n";
+
 int usage() {
-    std::fprintf(stderr,
-                 "usage: kerrin-sound [--quality Q] engine|music OUTPUT.wav|OUTPUT.ogg\n"
-                 "       kerrin-sound [--quality Q] tone HZ SECONDS RATE CHANNELS OUTPUT.wav|OUTPUT.ogg\n");
+    std::fputs(usageText, stderr);
     return 2;
 }
 
@@ -28,6 +38,11 @@ bool endsWith(const std::string& s, const std::string& tail) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (argc == 2 && std::strcmp(argv[1], "--help") == 0) {
+        std::fputs(usageText, stdout);
+        std::fputs(helpText, stdout);
+        return 0;
+    }
     float quality = defaultQuality;
     int i = 1;
     if (i + 1 < argc && std::string(argv[i]) == "--quality") {
@@ -71,9 +86,9 @@ int main(int argc, char** argv) {
         return usage();
     }
     std::ofstream out(output, std::ios::binary);
-    out.write(file.data(), static_cast<std::streamsize>(file.size()));
-    if (!out) {
-        std::fprintf(stderr, "kerrin-sound: cannot write %s\n", output.c_str());
+    if (out) out.write(file.data(), static_cast<std::streamsize>(file.size()));
+    if (!out || !out.flush()) {
+        std::fprintf(stderr, "kerrin-sound: cannot write %s: %s\n", output.c_str(), std::strerror(errno));
         return 1;
     }
     return 0;
