@@ -64,6 +64,11 @@ krVector3 krFollowCamera::getPosition() {
     return base + rotate(view, offset);
 }
 
+void krFollowCamera::setView(const krQuat& q) {
+    view = q;
+    setMatrix(krMatrix::fromQuatTranslation(view, getPosition()));
+}
+
 krVector3 krFollowCamera::getTarget() {
     return getPosition() + rotate(view, krVector3::negAxisZ);
 }
@@ -135,7 +140,7 @@ krQuat krFloatingCamera::desired() {
 
 void krFloatingCamera::reset() {
     smoothed = desired();
-    view = smoothed;
+    setView(smoothed);
 }
 
 bool krFloatingCamera::update(float dt) {
@@ -144,9 +149,9 @@ bool krFloatingCamera::update(float dt) {
         // left after one second whatever the frame rate.
         smoothed = slerp(desired(), smoothed, std::pow(smoothness, dt));
     }
-    if (!lookback) view = smoothed;
-    else if (!lockVertical) view = multiply(halfTurn, smoothed);
-    else view = multiply(smoothed, halfTurn);
+    if (!lookback) setView(smoothed);
+    else if (!lockVertical) setView(multiply(halfTurn, smoothed));
+    else setView(multiply(smoothed, halfTurn));
     return krModule::update(dt);
 }
 
@@ -171,6 +176,6 @@ krQuat krFixedCamera::desired() {
 }
 
 bool krFixedCamera::update(float dt) {
-    view = lookback ? multiply(halfTurn, desired()) : desired();
+    setView(lookback ? multiply(halfTurn, desired()) : desired());
     return krModule::update(dt);
 }

@@ -36,6 +36,9 @@ protected:
     virtual void reset() = 0;
     // The look orientation of the target, for targets that have one apart from their matrix.
     krQuat lookOrientation(krModule* target) const;
+    // Sets the view and keeps the matrix on the pose it gives, so that what tracks the camera
+    // (a listener, a module below it) stands where the eye is.
+    void setView(const krQuat& q);
 
     // The target is held by handle: a followed module can be deleted at any time.
     int32_t targetHandle = 0;

@@ -172,6 +172,9 @@ TEST_F(Cameras, FixedCameraIsRigidlyTied) {
     // Behind the target's back, at its pivot: the offset turns with the target.
     expectNear(cam->getPosition(), krVector3(10, 1, 0) + rotate(turn, {0, 0, 5}));
     expectNear(cam->getTarget() - cam->getPosition(), rotate(turn, {0, 0, -1}));
+    // Its matrix stands at the eye and looks the same way, for a listener that tracks it.
+    expectNear(transformPoint(cam->getMatrix(), {}), cam->getPosition());
+    expectNear(transformVector(cam->getMatrix(), krVector3::negAxisZ), rotate(turn, {0, 0, -1}));
     // The position follows the target at once, the view at the next update.
     target->setMatrix(krMatrix::fromQuatTranslation(turn, {20, 0, 0}));
     expectNear(cam->getPosition(), krVector3(20, 1, 0) + rotate(turn, {0, 0, 5}));
