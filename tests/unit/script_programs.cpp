@@ -88,7 +88,7 @@ std::string Generator::call(int depth) {
     const int first = function + 1;
     if (first < functionCount && chance(60)) {
         const int f = first + below(functionCount - first);
-        std::string text = "f" + std::to_string(f) + "(";
+        std::string text = cat({"f", std::to_string(f), "("});
         const int n = below(4);
         for (int i = 0; i < n; ++i) text += (i ? ", " : "") + expression(depth - 1);
         return text + ")";
@@ -265,7 +265,7 @@ std::string Generator::program() {
     }
     function = -1;
     for (const char* name : names)
-        if (chance(85)) text += "$" + std::string(name) + " = " + literal() + ";\n";
+        if (chance(85)) text += cat({"$", name, " = ", literal(), ";\n"});
     const int n = 4 + below(10);
     for (int i = 0; i < n; ++i) text += statement(3) + "\n";
     text += "print(\"end\");\n";
