@@ -110,9 +110,44 @@ def lamp():
     write_png(here / "lamp.png", size, size, pixels)
 
 
+def island():
+    """The island's ground: grass, sand and rock that tile every few metres, and the sea."""
+    for name, base, seed, contrast in [("grass", (104, 150, 62), 51, 0.5), ("sand", (204, 186, 140), 52, 0.25),
+                                       ("rock", (120, 114, 106), 53, 0.7)]:
+        noise = layered_noise(SIZE, seed)
+        fine = layered_noise(SIZE, seed + 100)
+        colour = [[shade(base, 1 - contrast / 2 + contrast * (0.6 * noise[y][x] + 0.4 * fine[y][x])) + (255,)
+                   for x in range(SIZE)] for y in range(SIZE)]
+        write_png(here / f"{name}.png", SIZE, SIZE, colour)
+    noise = layered_noise(SIZE, 54)
+    waves = [[shade((50, 110, 150), 0.8 + 0.35 * (0.5 + 0.5 * math.sin(x * 0.2 + noise[y][x] * 8)) * noise[y][x])
+              + (255,) for x in range(SIZE)] for y in range(SIZE)]
+    write_png(here / "sea.png", SIZE, SIZE, waves)
+
+
+def paving_strip(name, edge, dash, seed):
+    """Asphalt one width across and one width along: white edge lines at the sides (edge, a share
+    of the width) and a centre dash over the first dash share of its length."""
+    noise = layered_noise(SIZE, seed)
+    pixels = []
+    for y in range(SIZE):
+        pixels.append([])
+        for x in range(SIZE):
+            u = (x + 0.5) / SIZE
+            v = (y + 0.5) / SIZE
+            white = (edge * 0.4 < u < edge * 1.4 or 1 - edge * 1.4 < u < 1 - edge * 0.4
+                     or (abs(u - 0.5) < edge * 0.5 and v < dash))
+            base = (225, 225, 220) if white else (70, 70, 74)
+            pixels[-1].append(shade(base, 0.85 + 0.3 * noise[y][x]) + (255,))
+    write_png(here / f"{name}.png", SIZE, SIZE, pixels)
+
+
 if __name__ == "__main__":
     paving()
     crate()
     bricks()
     glass()
     lamp()
+    island()
+    paving_strip("runway", 0.03, 0.5, 61)
+    paving_strip("road", 0.05, 0.4, 62)
