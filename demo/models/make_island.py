@@ -29,8 +29,8 @@ SEA_FLOOR = -17.0
 RUNWAY_Z = 120.0
 RUNWAY_HALF_LENGTH = 450.0
 RUNWAY_HALF_WIDTH = 15.0
-# The road: along z at x = 0, from the south shore up to the runway's apron.
-ROAD_X = 0.0
+# The road: along z beside the start square, from the south shore up to the runway's apron.
+ROAD_X = 30.0
 ROAD_FROM = -420.0
 ROAD_TO = RUNWAY_Z - RUNWAY_HALF_WIDTH - 10.0
 ROAD_HALF_WIDTH = 4.0

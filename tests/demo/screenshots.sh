@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# The demo under a virtual display, photographed from outside: usage
+#   screenshots.sh KERRIN GRAB GAME_FOLDER WORK DRIVER_FOLDER SHOT...
+# copies the game and the driver's scripts to WORK, runs the driver's shots.script there (it loads
+# the game and sets the scenes up), and for
+# each SHOT waits for the driver's file SHOT.ready, grabs the screen into SHOT.png, and answers
+# with SHOT.done. Each picture must hold more than a handful of colours: a black, blank or
+# single-colour screen fails. Run inside xvfb-run.
+set -euo pipefail
+kerrin=$1 grab=$2 game=$3 work=$4 driver=$5
+shift 5
+rm -rf "$work"
+mkdir -p "$work"
+cp -r "$game"/. "$work"
+cp "$driver"/*.script "$work"/
+cd "$work"
+"$kerrin" -i shots.script > run.log 2>&1 &
+pid=$!
+# Generous: a loaded machine starts the software renderer slowly.
+limit=600
+for shot in "$@"; do
+  waited=0
+  until [ -e "$shot.ready" ]; do
+    if ! kill -0 "$pid" 2>/dev/null; then
+      echo "the demo ended before the shot \"$shot\":"; cat run.log; exit 1
+    fi
+    sleep 0.1
+    waited=$((waited + 1))
+    if [ "$waited" -gt "$limit" ]; then
+      echo "no \"$shot\" within a minute:"; cat run.log; kill "$pid"; exit 1
+    fi
+  done
+  line=$("$grab" "$shot.png")
+  echo "$shot: $line"
+  colours=${line##*, }
+  colours=${colours%% *}
+  touch "$shot.done"
+  if [ "$colours" -lt 16 ]; then
+    echo "the shot \"$shot\" is nearly one colour"; kill "$pid"; exit 1
+  fi
+done
+wait "$pid"
+if grep -q "error" run.log; then
+  echo "the demo reported errors:"; cat run.log; exit 1
+fi
