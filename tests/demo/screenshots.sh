@@ -1,20 +1,21 @@
 #!/usr/bin/env bash
 # The demo under a virtual display, photographed from outside: usage
-#   screenshots.sh KERRIN GRAB GAME_FOLDER WORK DRIVER_FOLDER SHOT...
+#   screenshots.sh KERRIN GL_DRIVER GRAB GAME_FOLDER WORK DRIVER_FOLDER SHOT...
 # copies the game and the driver's scripts to WORK, runs the driver's shots.script there (it loads
 # the game and sets the scenes up), and for
 # each SHOT waits for the driver's file SHOT.ready, grabs the screen into SHOT.png, and answers
 # with SHOT.done. Each picture must hold more than a handful of colours: a black, blank or
 # single-colour screen fails. Run inside xvfb-run.
 set -euo pipefail
-kerrin=$1 grab=$2 game=$3 work=$4 driver=$5
-shift 5
+kerrin=$1 gl=$2 grab=$3 game=$4 work=$5 driver=$6
+shift 6
 rm -rf "$work"
 mkdir -p "$work"
 cp -r "$game"/. "$work"
 cp "$driver"/*.script "$work"/
 cd "$work"
-"$kerrin" -i shots.script > run.log 2>&1 &
+# The GL driver, if named, stays loaded for the whole run (see CMakeLists.txt).
+LD_PRELOAD=$gl "$kerrin" -i shots.script > run.log 2>&1 &
 pid=$!
 # Generous: a loaded machine starts the software renderer slowly.
 limit=600
@@ -39,7 +40,9 @@ for shot in "$@"; do
     echo "the shot \"$shot\" is nearly one colour"; kill "$pid"; exit 1
   fi
 done
-wait "$pid"
+if ! wait "$pid"; then
+  echo "the demo did not end cleanly:"; cat run.log; exit 1
+fi
 if grep -q "error" run.log; then
   echo "the demo reported errors:"; cat run.log; exit 1
 fi
