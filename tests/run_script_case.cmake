@@ -1,6 +1,7 @@
 # Runs one script case: copies CASE (and CASE's .files folder, if any) into a fresh WORK folder,
 # runs `kerrin -i NAME.script` there, and compares standard output with the .out file byte for byte.
 # Fails as well on a non-zero exit code and on a leak report on standard error.
+# With GAME given, that folder (a built game the case plays) is copied in first.
 # With PACKER (the kerrin-pack tool) given, every folder named *.kr below CASE's .packs folder is
 # packed into the same relative path of WORK, after the .files folder is copied; a file beside it
 # with ".options" added holds kerrin-pack options for that pack (for example --method stored).
@@ -8,6 +9,9 @@ get_filename_component(name ${CASE} NAME_WE)
 get_filename_component(dir ${CASE} DIRECTORY)
 file(REMOVE_RECURSE ${WORK})
 file(MAKE_DIRECTORY ${WORK})
+if(GAME)
+  file(COPY ${GAME}/ DESTINATION ${WORK})
+endif()
 if(EXISTS ${dir}/${name}.files)
   file(COPY ${dir}/${name}.files/ DESTINATION ${WORK})
 endif()
