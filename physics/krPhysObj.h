@@ -31,7 +31,9 @@ struct krNetTrack {
 
 class krPhysObj : public krCollisionObject, public krNetObject {
 public:
-    explicit krPhysObj(krModule* owner) : krCollisionObject(owner) {}
+    // The grid box starts empty, so that the first committed move enters the body in every cell
+    // of its box.
+    explicit krPhysObj(krModule* owner) : krCollisionObject(owner) { currentBox.makeEmpty(); }
     ~krPhysObj() override;
     const char* className() const override { return "krPhysObj"; }
     static const krClassInfo info;
@@ -56,6 +58,8 @@ public:
     void collideSphere(krContactTable& contacts, krPhysObj* body) override;
     void collideBox(krContactTable& contacts, krPhysObj* body) override;
     void collideMesh(krContactTable& contacts, krPhysObj* body) override;
+    // A sphere by its bounding radius; a box or a mesh only with a ray shape.
+    float collideRay(const krPhysRay& ray, krRayHit& hit) override;
 
     // Wakes the body: it is integrated and collided from the next substep on. A body of mass 0
     // cannot wake.

@@ -3,6 +3,7 @@
 #include "physics/krContact.h"
 #include "physics/krNarrowPhase.h"
 #include "physics/krPhysObj.h"
+#include "physics/krPhysRay.h"
 
 namespace {
 
@@ -76,4 +77,29 @@ void krPhysObj::collideMesh(krContactTable& contacts, krPhysObj* body) {
             }
         }
     }
+}
+
+float krPhysObj::collideRay(const krPhysRay& ray, krRayHit& hit) {
+    float best = krRayBestStart;
+    if (collStyle == krCollSphere) {
+        krRaySphere(ray, position, radius, best, hit);
+    } else if (collStyle == krCollBox && rayGeometry) {
+        const krVector3* corners = rayGeometry->boxCorners();
+        if (!corners) return -1.0f;
+        for (const auto& face : krNarrow::boxFaces) {
+            const krVector3& c0 = corners[face[0]];
+            const krVector3 e1 = corners[face[1]] - c0, e2 = corners[face[2]] - c0;
+            krRayFlat(ray, c0, e1, e2, normalized(cross(e2, e1)), 0, true, best, hit);
+        }
+    } else if (collStyle == krCollMesh && rayGeometry) {
+        for (const krPhysTriangle& t : rayGeometry->triangles) {
+            const krVector3 e1 = *t.corner1 - *t.corner0, e2 = *t.corner2 - *t.corner0;
+            krRayFlat(ray, *t.corner0, e1, e2, normalized(cross(e1, e2)), t.material, false, best, hit);
+        }
+    } else {
+        return -1.0f;
+    }
+    if (!(best <= 1.0f)) return -1.0f;
+    hit.object = this;
+    return best;
 }

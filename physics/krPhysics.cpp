@@ -7,9 +7,12 @@
 #include "core/krMain.h"
 #include "core/krTimer.h"
 #include "physics/krPhysObj.h"
+#include "physics/krPhysRay.h"
+#include "physics/krTrigger.h"
 #include "script/krBlock.h"
 #include "script/krClassInfo.h"
 #include "script/krVBound.h"
+#include "script/krFactory.h"
 
 namespace {
 
@@ -19,6 +22,7 @@ const krMemberInfo physicsMembers[] = {
     {"targetFPS", krRead | krWrite, "float", "substeps per simulated second; 0 makes one substep a frame"},
     {"setGravitation", krCall, "(x, y, z)", "acceleration of gravity in m/s^2"},
     {"waterLevel", krRead | krWrite, "float", "height of the water surface"},
+    {"trigger", krCall, "(minX, maxX, minY, maxY, minZ, maxZ)", "a new trigger box in this world"},
 };
 
 // Under water a body is lifted by this many newtons per kilogram and metre of depth, and slowed
@@ -52,6 +56,12 @@ krVariant* krPhysics::getMember(const std::string& member, krBlock* caller, cons
         if (!isFinite(g)) return reportError(caller, "setGravitation needs finite numbers");
         gravitation = g;
         return nullptr;
+    }
+    if (member == "trigger" && args.size() == 6) {
+        float v[6];
+        for (size_t i = 0; i < 6; ++i) v[i] = args[i]->toFloat();
+        if (!std::all_of(v, v + 6, [](float f) { return finite(f); })) return reportError(caller, "trigger needs finite numbers");
+        return krFactory::attachAndReturn(new krTrigger(this, krBox({v[0], v[2], v[4]}, {v[1], v[3], v[5]})));
     }
     return krModule::getMember(member, caller, args);
 }
@@ -88,6 +98,10 @@ void krPhysics::addChild(krModule* child) {
 void krPhysics::removeChild(krModule* child) {
     if (auto* object = dynamic_cast<krCollisionObject*>(child))
         if (object->world == this) detach(object);
+    if (auto* rays = dynamic_cast<krRayObject*>(child)) {
+        removeActiveRayObject(rays);
+        rays->raysActive = false;
+    }
     krModule::removeChild(child);
 }
 
@@ -101,6 +115,13 @@ void krPhysics::detach(krCollisionObject* object) {
 }
 
 void krPhysics::addActiveBody(krPhysObj* body) { activeBodies.push_back(body); }
+
+void krPhysics::addActiveRayObject(krRayObject* rays) { activeRayObjects.push_back(rays); }
+
+void krPhysics::removeActiveRayObject(krRayObject* rays) {
+    activeRayObjects.erase(std::remove(activeRayObjects.begin(), activeRayObjects.end(), rays),
+                           activeRayObjects.end());
+}
 
 void krPhysics::removeActiveBody(krPhysObj* body) {
     activeBodies.erase(std::remove(activeBodies.begin(), activeBodies.end(), body), activeBodies.end());
@@ -130,10 +151,45 @@ bool krPhysics::update(float elapsed) {
 }
 
 bool krPhysics::substep(float dt) {
+    castRays(dt);
     applyExternalForces(dt);
     resolveCollisions(dt);
     clearQueue();
     return krModule::update(dt);
+}
+
+void krPhysics::castRays(float dt) {
+    // Hit handlers may switch rays on and off; the phase walks the list as it was.
+    castList = activeRayObjects;
+    for (size_t k = 0; k < castList.size(); ++k) {
+        krRayObject* owner = castList[k];
+        // An owner that a handler switched off since is passed over: it may be gone.
+        if (std::find(activeRayObjects.begin(), activeRayObjects.end(), owner) == activeRayObjects.end()) continue;
+        krModule* module = owner->rayModule();
+        auto* self = dynamic_cast<krCollisionObject*>(module);
+        krModuleHold hold{module};
+        for (size_t r = 0; r < owner->rays.size(); ++r) {
+            krPhysRay* ray = owner->rays[r];
+            ray->update(dt);
+            krRayHit hit, scratch;
+            float best = krRayBestStart;
+            krCollectResult candidates;
+            collectObjects(candidates, ray->box);
+            for (int32_t i = 0; i < candidates.count; ++i) {
+                auto* candidate = dynamic_cast<krCollisionObject*>(candidates.objects[i]);
+                if (!candidate || candidate == self) continue;
+                scratch = krRayHit();
+                const float t = candidate->collideRay(*ray, scratch);
+                if (0 <= t && t < best) {
+                    best = t;
+                    hit = scratch;
+                }
+            }
+            if (best <= 1.0f) ray->onHit(best, dt, hit);
+            // A hit handler may have switched the owner off and deleted its rays.
+            if (module->isTornDown() || !owner->raysActive) break;
+        }
+    }
 }
 
 void krPhysics::enqueue(krPhysObj* body) {

@@ -14,6 +14,7 @@
 
 class krCollisionObject;
 class krPhysObj;
+class krRayObject;
 struct krClassInfo;
 
 class krPhysics : public krModule {
@@ -37,6 +38,9 @@ public:
     void addActiveBody(krPhysObj* body);
     // Removes every entry of the body.
     void removeActiveBody(krPhysObj* body);
+    // Ray owners whose rays are cast every substep.
+    void addActiveRayObject(krRayObject* rays);
+    void removeActiveRayObject(krRayObject* rays);
     void moveInGrid(krPhysObj* body, const krBox& oldBox, const krBox& newBox) { grid.move(body, oldBox, newBox); }
     void removeFromGrid(krPhysObj* body, const krBox& box) { grid.remove(body, box); }
     // The bodies whose boxes in the grid overlap box, each once, ordered by pointer.
@@ -64,6 +68,8 @@ public:
 
 private:
     bool substep(float dt);
+    // Casts every active ray once and hands each its nearest hit.
+    void castRays(float dt);
     // Gravity or water on every awake body, turned into velocity; fills the work queue.
     void applyExternalForces(float dt);
     // Stops a body whose state is not a finite number, after a report.
@@ -79,6 +85,9 @@ private:
     void clearQueue();
 
     std::vector<krPhysObj*> activeBodies;
+    std::vector<krRayObject*> activeRayObjects;
+    // The copy of activeRayObjects that a ray phase walks, kept to spare the allocation.
+    std::vector<krRayObject*> castList;
     krBroadPhase broad;
     krPhysGrid grid;
     krContactTable contacts;

@@ -5,6 +5,7 @@
 #include "physics/krPhysObj.h"
 #include "physics/krPhysics.h"
 #include "physics/krStaticObj.h"
+#include "physics/krTrigger.h"
 #include "script/krBlock.h"
 #include "script/krClassInfo.h"
 #include "script/krFactory.h"
@@ -45,6 +46,7 @@ void krRegisterPhysicsClasses() {
     krClasses::add(krStaticObj::info);
     krClasses::add(krPhysObj::info);
     krClasses::add(krPhysics::info);
+    krClasses::add(krTrigger::info);
 
     using krSymbols::addInt;
     // Collision styles.

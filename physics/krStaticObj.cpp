@@ -4,6 +4,7 @@
 #include "physics/krContact.h"
 #include "physics/krNarrowPhase.h"
 #include "physics/krPhysObj.h"
+#include "physics/krPhysRay.h"
 #include "render/krMesh.h"
 #include "script/krClassInfo.h"
 
@@ -96,4 +97,24 @@ void krStaticObj::collideMesh(krContactTable& contacts, krPhysObj* body) {
                                            triangleOf(*bodyShape, u));
             }
     }
+}
+
+float krStaticObj::collideRay(const krPhysRay& ray, krRayHit& hit) {
+    float best = krRayBestStart;
+    if (collStyle == krCollSphere) {
+        krRaySphere(ray, position, radius, best, hit);
+    } else if (collStyle == krCollMesh && tree && collisionGeometry) {
+        krTriangleList list;
+        tree->collect(list, ray.box);
+        for (int32_t i = 0; i < list.count; ++i) {
+            const krPhysTriangle& t = *list.triangles[i];
+            const krVector3 e1 = *t.corner1 - *t.corner0, e2 = *t.corner2 - *t.corner0;
+            krRayFlat(ray, *t.corner0, e1, e2, normalized(cross(e1, e2)), t.material, false, best, hit);
+        }
+    } else {
+        return -1.0f;
+    }
+    if (!(best <= 1.0f)) return -1.0f;
+    hit.object = this;
+    return best;
 }

@@ -19,6 +19,9 @@ public:
     void collideSphere(krContactTable& contacts, krPhysObj* body) override;
     void collideBox(krContactTable& contacts, krPhysObj* body) override;
     void collideMesh(krContactTable& contacts, krPhysObj* body) override;
+    // A sphere by its bounding radius, or the triangles of the tree in the ray's box. A box is
+    // invisible to rays, as it is to bodies.
+    float collideRay(const krPhysRay& ray, krRayHit& hit) override;
 
     bool alwaysInView = false;
 

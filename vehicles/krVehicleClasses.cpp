@@ -1,9 +1,22 @@
 // What scripts can make and name of the vehicles subsystem: factories, class tables, constants.
 #include "vehicles/krVehicleClasses.h"
 
+#include "script/krClassInfo.h"
+#include "script/krFactory.h"
 #include "script/krSymbols.h"
+#include "vehicles/krCar.h"
+#include "vehicles/krTyre.h"
 
 void krRegisterVehicleClasses() {
+    krSymbols::addFunction("new_vehicle", krMakeModule<krVehicle>, 0,
+                           "(owner?): a body with a driver's seat and passengers, asleep");
+    krSymbols::addFunction("new_car", krMakeModule<krCar>, 0, "(owner?): a car; give it mass, tyreCount and tyres");
+    krSymbols::addFunction("new_tyre", krMakeModule<krTyre>, 0, "(vehicle): a wheel of the vehicle");
+    krClasses::add(krVehicle::info);
+    krClasses::add(krTyreVehicle::info);
+    krClasses::add(krCar::info);
+    krClasses::add(krTyre::info);
+
     using krSymbols::addInt;
     // Human animation tracks and states, numbered from 1.
     const char* humanTracks[] = {
@@ -20,10 +33,10 @@ void krRegisterVehicleClasses() {
     addInt("STATUS_ANGRY", 8);
 
     // Bits of the control class of a vehicle's control record.
-    addInt("CAR_STEER", 1);
-    addInt("CAR_BRAKE", 2);
-    addInt("CAR_ACCELERATE", 4);
-    addInt("CAR_HANDBRAKE", 8);
-    addInt("AIRPLANE_STEER", 1);
-    addInt("AIRPLANE_BRAKE", 2);
+    addInt("CAR_STEER", krTyreSteer);
+    addInt("CAR_BRAKE", krTyreBrake);
+    addInt("CAR_ACCELERATE", krTyreAccelerate);
+    addInt("CAR_HANDBRAKE", krTyreHandbrake);
+    addInt("AIRPLANE_STEER", krTyreSteer);
+    addInt("AIRPLANE_BRAKE", krTyreBrake);
 }
