@@ -9,6 +9,7 @@
 #include "script/krBlock.h"
 #include "script/krClassInfo.h"
 #include "script/krVObject.h"
+#include "vehicles/krController.h"
 
 namespace {
 
@@ -111,9 +112,10 @@ void krCollisionObject::collideMesh(krContactTable&, krPhysObj*) {}
 
 float krCollisionObject::collideRay(const krPhysRay&, krRayHit&) { return -1.0f; }
 
-void krCollisionObject::applyDamage(krModule*, const krVector3&, int32_t kind, int32_t subkind, float amount) {
-    // Only a driver can be blamed for damage, and no driver is behind a collision.
-    krVariant* args[] = {new krVObject(nullptr), new krVInt(kind), new krVInt(subkind), new krVFloat(amount)};
+void krCollisionObject::applyDamage(krModule* source, const krVector3&, int32_t kind, int32_t subkind, float amount) {
+    // Only what controls something (a player, a driver) can be blamed for damage.
+    krModule* blamed = dynamic_cast<krController*>(source) ? source : nullptr;
+    krVariant* args[] = {new krVObject(blamed), new krVInt(kind), new krVInt(subkind), new krVFloat(amount)};
     if (krVariant* r = fireEvent("damage", krArgs(std::begin(args), std::end(args)))) r->release();
     for (krVariant* a : args) a->release();
 }
