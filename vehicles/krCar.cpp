@@ -3,7 +3,6 @@
 
 #include <cmath>
 
-#include "core/krMain.h"
 #include "script/krClassInfo.h"
 #include "script/krVBound.h"
 #include "vehicles/krTyre.h"
@@ -64,14 +63,7 @@ void krCar::setMember(const std::string& member, krVariant* value) {
     if (member == "speed") {
         speed = value->toFloat();
     } else if (i >= 0) {
-        const float f = value->toFloat();
-        // A control that is not a number would poison the body through its forces.
-        if (std::isfinite(f)) {
-            setControl(i, f);
-            // A car asleep would ignore its controls until something bumped it.
-            if (f != 0) activate();
-        }
-        else krMain::instance()->errorMsg(member + " of a car must be a finite number, not " + value->toString());
+        setControlFromScript(i, value);
     } else {
         krTyreVehicle::setMember(member, value);
     }

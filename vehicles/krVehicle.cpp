@@ -1,8 +1,10 @@
 // Vehicles: the driver's seat, the passengers, the control record and its script members.
 #include "vehicles/krVehicle.h"
 
+#include <cmath>
 #include <cstring>
 
+#include "core/krMain.h"
 #include "script/krClassInfo.h"
 #include "script/krVObject.h"
 
@@ -116,4 +118,14 @@ float krVehicle::control(int32_t i) const {
 void krVehicle::setControl(int32_t i, float value) {
     if (i < 0 || static_cast<size_t>(i + 1) * sizeof(float) > controls.size()) return;
     std::memcpy(controls.data() + static_cast<size_t>(i) * sizeof(float), &value, sizeof value);
+}
+
+void krVehicle::setControlFromScript(int32_t i, krVariant* value) {
+    const float f = value->toFloat();
+    if (!std::isfinite(f)) {
+        krMain::instance()->errorMsg("A control of " + describe() + " must be a finite number, not " + value->toString());
+        return;
+    }
+    setControl(i, f);
+    if (f != 0) activate();
 }

@@ -37,6 +37,9 @@ public:
 protected:
     // Gives the record its class and a zeroed buffer of size bytes.
     void setControlClass(int32_t controlClass, int32_t size);
+    // A control written by a script: refused unless a finite number; a non-zero one wakes the
+    // vehicle, which asleep would ignore its controls until something bumped it.
+    void setControlFromScript(int32_t i, krVariant* value);
 
 private:
     // Not owned. A driver that goes tells its vehicle (krDriver's destructor), and a vehicle that

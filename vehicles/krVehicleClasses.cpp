@@ -4,18 +4,34 @@
 #include "script/krClassInfo.h"
 #include "script/krFactory.h"
 #include "script/krSymbols.h"
+#include "vehicles/krAirplane.h"
 #include "vehicles/krCar.h"
+#include "vehicles/krEngine.h"
+#include "vehicles/krPropeller.h"
 #include "vehicles/krTyre.h"
+#include "vehicles/krWing.h"
 
 void krRegisterVehicleClasses() {
     krSymbols::addFunction("new_vehicle", krMakeModule<krVehicle>, 0,
                            "(owner?): a body with a driver's seat and passengers, asleep");
     krSymbols::addFunction("new_car", krMakeModule<krCar>, 0, "(owner?): a car; give it mass, tyreCount and tyres");
     krSymbols::addFunction("new_tyre", krMakeModule<krTyre>, 0, "(vehicle): a wheel of the vehicle");
+    krSymbols::addFunction("new_airplane", krMakeModule<krAirplane>, 0,
+                           "(owner?): an airplane; give it wings, engines, propellers and tyres");
+    krSymbols::addFunction("new_physicWing", krMakeModule<krWing>, 0, "(body): a lifting surface of the body");
+    krSymbols::addFunction("new_physicEngine", krMakeModule<krEngine>, 0, "(body): an engine in the body");
+    krSymbols::addFunction("new_physicPropeller", krMakeModule<krPropeller>, 0,
+                           "(body): a propeller of the body; give it an engine");
+    krSymbols::addFunction("new_rocketEngine", krMakeModule<krRocketEngine>, 0, "(body): a rocket pushing the body");
     krClasses::add(krVehicle::info);
     krClasses::add(krTyreVehicle::info);
     krClasses::add(krCar::info);
     krClasses::add(krTyre::info);
+    krClasses::add(krAirplane::info);
+    krClasses::add(krWing::info);
+    krClasses::add(krEngine::info);
+    krClasses::add(krRocketEngine::info);
+    krClasses::add(krPropeller::info);
 
     using krSymbols::addInt;
     // Human animation tracks and states, numbered from 1.

@@ -27,7 +27,7 @@ SEA_LEVEL = -3.0
 SEA_FLOOR = -17.0
 # The runway: along x, centred on z = RUNWAY_Z, long enough for a light aircraft with room.
 RUNWAY_Z = 120.0
-RUNWAY_HALF_LENGTH = 450.0
+RUNWAY_HALF_LENGTH = 550.0
 RUNWAY_HALF_WIDTH = 15.0
 # The road: along z beside the start square, from the south shore up to the runway's apron.
 ROAD_X = 30.0

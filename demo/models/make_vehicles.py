@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
-"""Makes the demo car as OBJ meshes: a body of boxes (lower body, cabin with its windows, lamps)
-and one wheel (a tyre round the x axis with a hub), each with its materials. The build runs it
-and turns the result into mesh files.
+"""Makes the demo's vehicles as OBJ meshes: the car's body of boxes (lower body, cabin with its
+windows, lamps), one wheel (a tyre round the x axis with a hub), the airplane (fuselage, high
+wing, tail) and its propeller, all with their materials. The build runs it and turns the result
+into mesh files.
 
-Usage: make_car.py <output folder>
+Usage: make_vehicles.py <output folder>
 
-Units are metres; the nose points along -z and y is up. The body's origin is its centre of mass,
-which is where the game's physics puts the car's position; the wheel's origin is its centre."""
+Units are metres; noses point along -z and y is up. A body's origin is its centre of mass, which
+is where the game's physics puts its position; a wheel's and a propeller's origin is its hub."""
 
 import math
 import sys
@@ -18,6 +19,10 @@ WIDTH = 1.8
 FLOOR = -0.3
 WAIST = 0.3
 ROOF = 0.9
+# The airplane: a fuselage of 7.5 m, a wing of 11 m span and 1.5 m chord on top of the cabin.
+FUSELAGE = 7.5
+SPAN = 11.0
+CHORD = 1.5
 # Wheel: radius and width, with this many sides round.
 RADIUS = 0.33
 TREAD = 0.22
@@ -52,7 +57,7 @@ class Mesh:
                 self.quad(material, corners, normal)
 
     def write(self, path):
-        lines = [f"# {self.name}, made by make_car.py.", "mtllib car.mtl", f"o {self.name}"]
+        lines = [f"# {self.name}, made by make_vehicles.py.", "mtllib vehicles.mtl", f"o {self.name}"]
         lines += [f"v {x:.4f} {y:.4f} {z:.4f}" for x, y, z in self.vertices]
         lines += [f"vn {x:.4f} {y:.4f} {z:.4f}" for x, y, z in self.normals]
         for material, faces in self.faces.items():
@@ -98,7 +103,36 @@ def wheel():
     return m
 
 
-MATERIALS = """# The demo car's materials, made by make_car.py.
+def airplane():
+    m = Mesh("airplane")
+    nose, tail = -FUSELAGE * 0.4, FUSELAGE * 0.6
+    # Cabin and engine cowling, then the tail boom tapering to the fin.
+    m.box("white", (-0.55, -0.6, nose + 0.9), (0.55, 0.75, 0.9))
+    m.box("cowling", (-0.45, -0.45, nose), (0.45, 0.4, nose + 0.9))
+    m.box("glass", (-0.5, 0.2, nose + 0.95), (0.5, 0.7, 0.2), skip=("bottom",))
+    m.box("white", (-0.3, -0.2, 0.9), (0.3, 0.45, tail))
+    # The high wing and its stripes, the tailplane and the fin.
+    m.box("white", (-SPAN / 2, 0.75, -CHORD / 2), (SPAN / 2, 0.85, CHORD / 2))
+    for x in (-SPAN / 2, SPAN / 2 - 0.4):
+        m.box("stripe", (x, 0.75, -CHORD / 2 - 0.01), (x + 0.4, 0.86, CHORD / 2 + 0.01))
+    m.box("white", (-1.7, 0.15, tail - 1.0), (1.7, 0.22, tail))
+    m.box("stripe", (-0.04, 0.2, tail - 1.1), (0.04, 1.45, tail))
+    # Fairings of the undercarriage; nothing reaches lower than the cabin's floor, so that the
+    # body's box clears the runway when the nose rises for take-off.
+    for x in (-1.2, 1.2):
+        m.box("cowling", (x - 0.3, -0.6, -0.1), (x + 0.3, -0.45, 0.4))
+    return m
+
+
+def propeller():
+    m = Mesh("propeller")
+    # Two blades across the hub, spun by the engine about the local z axis.
+    m.box("cowling", (-0.08, -0.9, -0.02), (0.08, 0.9, 0.02))
+    m.box("hub", (-0.12, -0.12, -0.1), (0.12, 0.12, 0.05))
+    return m
+
+
+MATERIALS = """# The demo vehicles' materials, made by make_vehicles.py.
 newmtl paint
 Ka 0.8 0.15 0.1
 Kd 0.8 0.15 0.1
@@ -132,6 +166,24 @@ Kd 0.08 0.08 0.08
 Ks 0.1 0.1 0.1
 Ns 10
 
+newmtl white
+Ka 0.92 0.92 0.9
+Kd 0.92 0.92 0.9
+Ks 0.5 0.5 0.5
+Ns 40
+
+newmtl stripe
+Ka 0.1 0.25 0.7
+Kd 0.1 0.25 0.7
+Ks 0.4 0.4 0.4
+Ns 40
+
+newmtl cowling
+Ka 0.2 0.2 0.22
+Kd 0.2 0.2 0.22
+Ks 0.5 0.5 0.5
+Ns 30
+
 newmtl hub
 Ka 0.7 0.7 0.72
 Kd 0.7 0.7 0.72
@@ -142,12 +194,14 @@ Ns 60
 
 def main():
     if len(sys.argv) != 2:
-        sys.exit("usage: make_car.py <output folder>")
+        sys.exit("usage: make_vehicles.py <output folder>")
     folder = Path(sys.argv[1])
     folder.mkdir(parents=True, exist_ok=True)
-    (folder / "car.mtl").write_text(MATERIALS)
+    (folder / "vehicles.mtl").write_text(MATERIALS)
     body().write(folder / "car.obj")
     wheel().write(folder / "wheel.obj")
+    airplane().write(folder / "airplane.obj")
+    propeller().write(folder / "propeller.obj")
 
 
 if __name__ == "__main__":
