@@ -54,6 +54,17 @@ constexpr float hingeFade = 0.0075f;
 // The rudder follows the ailerons by this share of their angle.
 constexpr float rudderHelp = 0.5f;
 
+// The network record: speed x speedScale and the first engine's rad/s x engineScale as bytes, then
+// five controls of controlBits each, (input + 1) x controlSteps, lowest first.
+constexpr float speedScale = 1.2f;
+constexpr float engineScale = 0.4f;
+constexpr int32_t controlBits = 3;
+constexpr float controlSteps = 3.0f;
+constexpr int32_t sentControls = 5;
+constexpr int32_t headerSize = 4;
+
+uint8_t byteOf(float f) { return static_cast<uint8_t>(std::clamp(f, 0.0f, 255.0f)); }
+
 float sign(float f) { return f > 0 ? 1.0f : f < 0 ? -1.0f : 0.0f; }
 
 int32_t controlIndex(const std::string& name) {
@@ -137,4 +148,35 @@ bool krAirplane::update(float dt) {
     if (!std::isnan(r))
         if (auto* w = partOf<krWing>(rudder)) w->setAngle(r);
     return krTyreVehicle::update(dt);
+}
+
+void krAirplane::writeState(uint8_t* buffer, int32_t& size, int32_t frame) {
+    uint8_t* out = buffer + size;
+    out[0] = byteOf(speed * speedScale);
+    krEngine* first = primaryEngines.empty() ? nullptr : partOf<krEngine>(primaryEngines[0]);
+    out[1] = byteOf(first ? first->rotationSpeed * engineScale : 0.0f);
+    uint32_t bits = 0;
+    for (int32_t i = 0; i < sentControls; ++i) {
+        const auto step = static_cast<uint32_t>(std::clamp(control(i) * controlSteps + controlSteps, 0.0f, 7.0f));
+        bits |= step << (i * controlBits);
+    }
+    out[2] = static_cast<uint8_t>(bits & 0xFF);
+    out[3] = static_cast<uint8_t>(bits >> 8);
+    size += headerSize;
+    krTyreVehicle::writeState(buffer, size, frame);
+}
+
+void krAirplane::readState(const uint8_t* buffer, int32_t size, float lag) {
+    if (size < headerSize) return;
+    speed = buffer[0] / speedScale;
+    if (krEngine* first = primaryEngines.empty() ? nullptr : partOf<krEngine>(primaryEngines[0])) {
+        first->rotationSpeed = buffer[1] / engineScale;
+        first->active = false;
+    }
+    if (!getDriver()) {
+        const uint32_t bits = buffer[2] | static_cast<uint32_t>(buffer[3]) << 8;
+        for (int32_t i = 0; i < sentControls; ++i)
+            setControl(i, static_cast<float>((bits >> (i * controlBits)) & 7u) / controlSteps - 1);
+    }
+    krTyreVehicle::readState(buffer + headerSize, size - headerSize, lag);
 }

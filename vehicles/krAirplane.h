@@ -22,6 +22,11 @@ public:
     // The controls into hinges, throttles and wheels, then the tyre vehicle's step, in which the
     // wings and engines update as children.
     bool update(float dt) override;
+    // The speed, the first engine's speed and five controls in front of the tyre vehicle's record.
+    void writeState(uint8_t* buffer, int32_t& size, int32_t frame) override;
+    // Takes over the speeds, switches the first engine's own simulation off, and takes the
+    // controls unless someone here drives.
+    void readState(const uint8_t* buffer, int32_t size, float lag) override;
 
     // Signed speed along the nose (local -z), m/s.
     float speed = 0;

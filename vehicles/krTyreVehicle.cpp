@@ -113,11 +113,10 @@ void krTyreVehicle::writeState(uint8_t* buffer, int32_t& size, int32_t frame) {
 }
 
 void krTyreVehicle::readState(const uint8_t* buffer, int32_t size, float lag) {
-    int32_t at = 0;
-    for (krTyre* t : tyres) {
-        if (at >= size) return;
-        if (t->ray) t->ray->compression = static_cast<float>(buffer[at]) / compressionScale;
-        ++at;
-    }
-    krVehicle::readState(buffer + at, size - at, lag);
+    const auto count = static_cast<int32_t>(tyres.size());
+    // A record without a byte for every wheel is not this vehicle's.
+    if (size < count) return;
+    for (int32_t i = 0; i < count; ++i)
+        if (krTyreRay* ray = tyres[static_cast<size_t>(i)]->ray) ray->compression = buffer[i] / compressionScale;
+    krVehicle::readState(buffer + count, size - count, lag);
 }

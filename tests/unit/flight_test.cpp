@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <utility>
 
 #include "physics_testing.h"
 #include "script/krVArray.h"
@@ -178,6 +179,51 @@ TEST_F(Flight, HingesHaveHalfTheirAuthorityAt208MetresASecondAndTheWheelsSteerLe
     plane->velocity = {0, 0, -18};
     plane->update(0.002f);
     EXPECT_NEAR(tyre->steerAngle, 0.7f / 3, 1e-5f);
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(Flight, AnAirplanesRecordCarriesItsSpeedsControlsAndWheelsToAClient) {
+    auto build = [&]() {
+        auto* plane = make<krAirplane>(world);
+        plane->mass = 1000;
+        auto* engine = make<krEngine>(plane);
+        make<krTyre>(plane);
+        auto* list = new krVArray();
+        list->append(new krVObject(engine));
+        plane->setMember("primary_engines", list);
+        list->release();
+        return std::pair{plane, engine};
+    };
+    auto [server, serverEngine] = build();
+    auto [client, clientEngine] = build();
+    server->speed = 50;
+    serverEngine->rotationSpeed = 300;
+    server->setControl(0, -1);
+    server->setControl(2, 0.5f);
+    server->setControl(3, 1);
+    server->tyres[0]->ray->compression = 0.5f;
+    uint8_t record[krNetRecordCapacity] = {};
+    int32_t size = 0;
+    server->writeState(record, size, 1);
+    ASSERT_EQ(size, 4 + 1 + 21);
+    EXPECT_EQ(record[0], 60);
+    EXPECT_EQ(record[1], 120);
+    // roll 0, yaw 3, pitch truncated from 4.5 to 4, throttle 6, throttle2 3: three bits each.
+    EXPECT_EQ(record[2] | record[3] << 8, 0 | 3 << 3 | 4 << 6 | 6 << 9 | 3 << 12);
+    EXPECT_EQ(record[4], 127);
+    // Too short for the airplane's own bytes: nothing is taken.
+    client->readState(record, 3, 0.1f);
+    EXPECT_EQ(client->speed, 0);
+    client->readState(record, size, 0.1f);
+    EXPECT_FLOAT_EQ(client->speed, 50);
+    EXPECT_FLOAT_EQ(clientEngine->rotationSpeed, 300);
+    EXPECT_FALSE(clientEngine->active);
+    EXPECT_FLOAT_EQ(client->control(0), -1);
+    EXPECT_FLOAT_EQ(client->control(2), 4.0f / 3 - 1);
+    EXPECT_FLOAT_EQ(client->tyres[0]->ray->compression, 127.0f / 255);
 }
 
 }  // namespace
