@@ -7,6 +7,7 @@
 #include "interface/krCameraFlying.h"
 #include "interface/krCameraFollow.h"
 #include "interface/krClock.h"
+#include "interface/krControl.h"
 #include "script/krClassInfo.h"
 #include "script/krFactory.h"
 #include "script/krSymbols.h"
@@ -48,20 +49,25 @@ void krRegisterInterfaceClasses() {
     krSymbols::addFunction("new_flyingCamera", krMakeModule<krFlyingCamera>, 0, "(owner?): a camera moved by the keys and the mouse");
     krSymbols::addFunction("new_floatingCamera", krMakeModule<krFloatingCamera>, 0, "(owner?): a camera that trails its target");
     krSymbols::addFunction("new_fixedCamera", krMakeModule<krFixedCamera>, 0, "(owner?): a camera fixed to its target");
+    krSymbols::addFunction("new_control", krMakeModule<krControl>, 0,
+                           "(owner): a control: a rectangle with fill, border and text, below a control or a desktop");
+    krSymbols::addFunction("new_desktop", krMakeModule<krDesktop>, 0,
+                           "(owner): the root of a tree of controls, below the window; an input target");
 
     for (const krClassInfo* info : {&krCamera::info, &krFlyingCamera::info, &krFollowCamera::info,
-                                    &krFloatingCamera::info, &krFixedCamera::info, &krTimerClock::info, &krClock::info})
+                                    &krFloatingCamera::info, &krFixedCamera::info, &krTimerClock::info, &krClock::info,
+                                    &krControl::info, &krDesktop::info})
         krClasses::add(*info);
 
     using krSymbols::addInt;
-    addInt("BORDER_TOP", 1);
-    addInt("BORDER_BOTTOM", 2);
-    addInt("BORDER_LEFT", 4);
-    addInt("BORDER_RIGHT", 8);
-    addInt("ALIGN_TOP", 1);
-    addInt("ALIGN_MIDDLE", 2);
-    addInt("ALIGN_BOTTOM", 4);
-    addInt("ALIGN_LEFT", 8);
-    addInt("ALIGN_CENTER", 16);
-    addInt("ALIGN_RIGHT", 32);
+    addInt("BORDER_TOP", krBorderTop);
+    addInt("BORDER_BOTTOM", krBorderBottom);
+    addInt("BORDER_LEFT", krBorderLeft);
+    addInt("BORDER_RIGHT", krBorderRight);
+    addInt("ALIGN_TOP", krAlignTop);
+    addInt("ALIGN_MIDDLE", krAlignMiddle);
+    addInt("ALIGN_BOTTOM", krAlignBottom);
+    addInt("ALIGN_LEFT", krAlignLeft);
+    addInt("ALIGN_CENTER", krAlignCenter);
+    addInt("ALIGN_RIGHT", krAlignRight);
 }

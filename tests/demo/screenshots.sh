@@ -3,7 +3,8 @@
 #   screenshots.sh KERRIN GL_DRIVER GRAB GAME_FOLDER WORK DRIVER_FOLDER SHOT...
 # copies the game and the driver's scripts to WORK, runs the driver's shots.script there (it loads
 # the game and sets the scenes up), and for
-# each SHOT waits for the driver's file SHOT.ready, grabs the screen into SHOT.png, and answers
+# each SHOT waits for the driver's file SHOT.ready, grabs the screen into SHOT.png, runs the
+# driver's SHOT.after if there is one (clicks and keys that lead to the next scene), and answers
 # with SHOT.done. Each picture must hold more than a handful of colours: a black, blank or
 # single-colour screen fails. Run inside xvfb-run.
 set -euo pipefail
@@ -35,6 +36,7 @@ for shot in "$@"; do
   echo "$shot: $line"
   colours=${line##*, }
   colours=${colours%% *}
+  if [ -x "$driver/$shot.after" ]; then "$driver/$shot.after"; fi
   touch "$shot.done"
   if [ "$colours" -lt 16 ]; then
     echo "the shot \"$shot\" is nearly one colour"; kill "$pid"; exit 1
