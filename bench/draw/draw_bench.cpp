@@ -7,6 +7,7 @@
 //
 // Usage: kerrin_bench_draw [frames]   (under a display, e.g. xvfb-run -a kerrin_bench_draw; run it
 // where data.kr lies, as the build places it beside the program, for the boxes' textures)
+#include "bench_timing.h"
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -25,6 +26,9 @@
 #include "render/opengl/krWindow_OGL.h"
 
 namespace {
+using benchTiming::seconds;
+using benchTiming::stats;
+using benchTiming::Stats;
 constexpr int boxCounts[] = {100, 500, 1000, 2000, 4000, 8000};
 constexpr int warmUpFrames = 5;
 constexpr int defaultFrames = 40;
@@ -83,20 +87,6 @@ GLuint makeBoxList(GLuint colorMap) {
     glDisable(GL_TEXTURE_2D);
     glEndList();
     return list;
-}
-
-double seconds(uint64_t from, uint64_t to) {
-    return static_cast<double>(to - from) / static_cast<double>(krSystem::counterFrequency());
-}
-
-struct Stats {
-    double median, p95;
-};
-
-Stats stats(std::vector<double> ms) {
-    std::sort(ms.begin(), ms.end());
-    const size_t n = ms.size();
-    return {ms[n / 2], ms[std::min(n - 1, static_cast<size_t>(0.95 * static_cast<double>(n)))]};
 }
 
 // The bare loop: the state the engine's scene sets for opaque items, the same view and matrices.

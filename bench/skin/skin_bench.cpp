@@ -8,6 +8,7 @@
 //
 // Usage: kerrin_bench_skin [frames]   (under a display, e.g. xvfb-run -a kerrin_bench_skin; run it
 // where data.kr lies, as the build places it beside the program, for the stock skin shaders)
+#include "bench_timing.h"
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -30,6 +31,9 @@
 #include "render/opengl/krWindow_OGL.h"
 
 namespace {
+using benchTiming::seconds;
+using benchTiming::stats;
+using benchTiming::Stats;
 constexpr int characters = 100;
 constexpr int boneCount = 50;
 // Each bone carries a tube of rings around it: rings x sides vertices, 100 a bone.
@@ -126,10 +130,6 @@ krVector3 place(int i) {
 
 void writeFile(const char* path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
-
-double seconds(uint64_t from, uint64_t to) {
-    return static_cast<double>(to - from) / static_cast<double>(krSystem::counterFrequency());
 }
 
 double median(std::vector<double> ms) {

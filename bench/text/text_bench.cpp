@@ -11,6 +11,7 @@
 //
 // Usage: kerrin_bench_text [frames]   (under a display, e.g. xvfb-run -a kerrin_bench_text; run it
 // where data.kr lies, as the build places it beside the program)
+#include "bench_timing.h"
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -29,6 +30,9 @@
 #include "render/opengl/krWindow_OGL.h"
 
 namespace {
+using benchTiming::seconds;
+using benchTiming::stats;
+using benchTiming::Stats;
 constexpr int glyphsPerFrame = 10000;
 // Strings a frame: glyphsPerFrame / strings bytes each.
 constexpr int stringCounts[] = {100, 1000, 10000};
@@ -39,20 +43,6 @@ constexpr int32_t windowWidth = 640, windowHeight = 480;
 // many columns as they need across it.
 constexpr float textHeight = 0.008f;
 constexpr int rowsPerColumn = 50;
-
-double seconds(uint64_t from, uint64_t to) {
-    return static_cast<double>(to - from) / static_cast<double>(krSystem::counterFrequency());
-}
-
-struct Stats {
-    double median, p95;
-};
-
-Stats stats(std::vector<double> ms) {
-    std::sort(ms.begin(), ms.end());
-    const size_t n = ms.size();
-    return {ms[n / 2], ms[std::min(n - 1, static_cast<size_t>(0.95 * static_cast<double>(n)))]};
-}
 
 // Printable bytes only, so that every byte is a glyph on both sides.
 std::string sampleText(int index, int length) {
