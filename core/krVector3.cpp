@@ -51,9 +51,7 @@ float lineDistanceSquared(const krVector3& a, const krVector3& b) {
     return lengthSquared(cross(a, b)) / aa;
 }
 
-// Truncation toward zero into [lo, hi]. Out-of-range float-to-int conversion is undefined in
-// C++, and script or network input can hold anything, so the ends saturate and NaN gives 0.
-static int32_t truncateSaturating(float v, int32_t lo, int32_t hi) {
+int32_t truncateSaturating(float v, int32_t lo, int32_t hi) {
     if (std::isnan(v)) return 0;
     if (double(v) >= double(hi)) return hi;
     if (double(v) <= double(lo)) return lo;

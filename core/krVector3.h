@@ -98,6 +98,10 @@ krVector3 project(const krVector3& a, const krVector3& b);
 // direction, so the line shrinks to the origin and the result is b's squared length.
 float lineDistanceSquared(const krVector3& a, const krVector3& b);
 
+// Truncation toward zero into [lo, hi]. Out-of-range float-to-int conversion is undefined in
+// C++, and script or network input can hold anything, so the ends saturate and NaN gives 0.
+int32_t truncateSaturating(float v, int32_t lo, int32_t hi);
+
 // Integer cell coordinates, for ordered maps keyed by position. Built by truncating toward zero;
 // values beyond the int range saturate and NaN becomes 0, so that no float input is undefined.
 struct krIntVector3 {

@@ -63,7 +63,7 @@ constexpr float controlSteps = 3.0f;
 constexpr int32_t sentControls = 5;
 constexpr int32_t headerSize = 4;
 
-uint8_t byteOf(float f) { return static_cast<uint8_t>(std::clamp(f, 0.0f, 255.0f)); }
+uint8_t byteOf(float f) { return static_cast<uint8_t>(truncateSaturating(f, 0, 255)); }
 
 float sign(float f) { return f > 0 ? 1.0f : f < 0 ? -1.0f : 0.0f; }
 
@@ -157,7 +157,7 @@ void krAirplane::writeState(uint8_t* buffer, int32_t& size, int32_t frame) {
     out[1] = byteOf(first ? first->rotationSpeed * engineScale : 0.0f);
     uint32_t bits = 0;
     for (int32_t i = 0; i < sentControls; ++i) {
-        const auto step = static_cast<uint32_t>(std::clamp(control(i) * controlSteps + controlSteps, 0.0f, 7.0f));
+        const auto step = static_cast<uint32_t>(truncateSaturating(control(i) * controlSteps + controlSteps, 0, 7));
         bits |= step << (i * controlBits);
     }
     out[2] = static_cast<uint8_t>(bits & 0xFF);

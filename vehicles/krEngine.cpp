@@ -136,7 +136,7 @@ bool krEngine::update(float dt) {
         load = 0;
         fuelAmount = std::max(0.0f, fuelAmount - fuelConsumption * throttle * dt);
     }
-    rpm = static_cast<int32_t>(w / radiansPerTurn * 60);
+    rpm = truncateSaturating(w / radiansPerTurn * 60, INT32_MIN, INT32_MAX);
     if (krSound* s = getSound()) {
         s->setPitch(wobble() * (w * pitchPerSpeed + pitchBase));
         s->setVolume(wobble() * (throttle * volumePerThrottle + volumeBase));

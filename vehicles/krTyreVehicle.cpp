@@ -106,8 +106,8 @@ bool krTyreVehicle::update(float dt) {
 void krTyreVehicle::writeState(uint8_t* buffer, int32_t& size, int32_t frame) {
     for (const krTyre* t : tyres) {
         if (size + bodyRecordRoom >= krNetRecordCapacity) break;
-        const float c = t->ray ? std::clamp(t->ray->compression, 0.0f, 1.0f) : 0.0f;
-        buffer[size++] = static_cast<uint8_t>(c * compressionScale);
+        const float c = t->ray ? t->ray->compression : 0.0f;
+        buffer[size++] = static_cast<uint8_t>(truncateSaturating(c * compressionScale, 0, 255));
     }
     krVehicle::writeState(buffer, size, frame);
 }
