@@ -7,6 +7,8 @@
 #include "script/krClassInfo.h"
 #include "script/krVArray.h"
 #include "script/krVBound.h"
+#include "script/krVObject.h"
+#include "vehicles/krAutoPilot.h"
 #include "vehicles/krEngine.h"
 #include "vehicles/krTyre.h"
 #include "vehicles/krWing.h"
@@ -33,6 +35,7 @@ const krMemberInfo airplaneMembers[] = {
     {"primary_engines", krWrite, "array", "the engines of throttle; write-only"},
     {"secondary_engines", krWrite, "array", "the engines of throttle2; write-only"},
     {"rudder", krWrite, "object", "the wing that yaws; write-only"},
+    {"autopilot", krRead, "object", "the heading hold, made on the first read; assign it to driver to engage it"},
     {"roll", krRead | krWrite, "float", "control: +1 rolls left, -1 right; a non-zero control wakes the airplane"},
     {"yaw", krRead | krWrite, "float", "control: +1 turns left, -1 right; rudder and steered wheels"},
     {"pitch", krRead | krWrite, "float", "control: +1 noses down, -1 up"},
@@ -99,6 +102,15 @@ krAirplane::krAirplane(krModule* owner) : krTyreVehicle(owner) {
 krVariant* krAirplane::getMember(const std::string& member, krBlock* caller, const krArgs& args) {
     if (member == "speed") return new krVFloatPtr(&speed, this);
     if (member == "velocity") return new krVFloatPtr(&velocityLength, this);
+    if (member == "autopilot") {
+        auto* pilot = partOf<krAutoPilot>(autopilot);
+        if (!pilot) {
+            pilot = new krAutoPilot(this);
+            pilot->attach();
+            autopilot = pilot->handle();
+        }
+        return new krVObject(pilot);
+    }
     if (const int32_t i = controlIndex(member); i >= 0) return new krVFloat(control(i));
     return krTyreVehicle::getMember(member, caller, args);
 }

@@ -40,4 +40,6 @@ private:
     std::vector<int32_t> elevators;
     std::vector<int32_t> ailerons;
     int32_t rudder = 0;
+    // Made on the first read of the script member, a child of the airplane.
+    int32_t autopilot = 0;
 };

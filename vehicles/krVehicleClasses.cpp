@@ -5,6 +5,7 @@
 #include "script/krFactory.h"
 #include "script/krSymbols.h"
 #include "vehicles/krAirplane.h"
+#include "vehicles/krAutoPilot.h"
 #include "vehicles/krCar.h"
 #include "vehicles/krEngine.h"
 #include "vehicles/krPropeller.h"
@@ -28,6 +29,7 @@ void krRegisterVehicleClasses() {
     krClasses::add(krCar::info);
     krClasses::add(krTyre::info);
     krClasses::add(krAirplane::info);
+    krClasses::add(krAutoPilot::info);
     krClasses::add(krWing::info);
     krClasses::add(krEngine::info);
     krClasses::add(krRocketEngine::info);

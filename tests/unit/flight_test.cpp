@@ -10,6 +10,7 @@
 #include "script/krVArray.h"
 #include "script/krVObject.h"
 #include "vehicles/krAirplane.h"
+#include "vehicles/krAutoPilot.h"
 #include "vehicles/krEngine.h"
 #include "vehicles/krPropeller.h"
 #include "vehicles/krTyre.h"
@@ -224,6 +225,53 @@ TEST_F(Flight, AnAirplanesRecordCarriesItsSpeedsControlsAndWheelsToAClient) {
     EXPECT_FLOAT_EQ(client->control(0), -1);
     EXPECT_FLOAT_EQ(client->control(2), 4.0f / 3 - 1);
     EXPECT_FLOAT_EQ(client->tyres[0]->ray->compression, 127.0f / 255);
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(Flight, TheAutopilotBanksTowardItsHeadingAndPassesThePilotsControlsOn) {
+    auto* plane = make<krAirplane>(world);
+    plane->mass = 1000;
+    krVariant* read = plane->getMember("autopilot", nullptr, {});
+    auto* pilot = dynamic_cast<krAutoPilot*>(krScriptObject::fromHandle(read->toInt()));
+    read->release();
+    ASSERT_NE(pilot, nullptr);
+    // The same one on every read.
+    read = plane->getMember("autopilot", nullptr, {});
+    EXPECT_EQ(krScriptObject::fromHandle(read->toInt()), pilot);
+    read->release();
+    pilot->setControl(1, 0.25f);
+    pilot->setControl(2, 0.75f);
+    pilot->setControl(3, 1);
+    plane->setControl(4, 0.5f);
+    float record[6] = {9, 9, 9, 9, 0.5f, 9};
+    auto fill = [&](int32_t controlClass) {
+        pilot->control(plane, controlClass, reinterpret_cast<uint8_t*>(record), sizeof record, 0.002f);
+    };
+    // Level on heading 0 wanting 0: no roll, no yaw; the rest comes through, throttle2 untouched.
+    fill(krControlAirplane);
+    EXPECT_FLOAT_EQ(record[0], 0);
+    EXPECT_FLOAT_EQ(record[1], 0);
+    EXPECT_FLOAT_EQ(record[2], 0.25f);
+    EXPECT_FLOAT_EQ(record[3], 0.75f);
+    EXPECT_FLOAT_EQ(record[4], 0.5f);
+    EXPECT_FLOAT_EQ(record[5], 1);
+    // 1.5 rad to go: the wanted bank is at its limit, so full roll; yaw limited to 1.
+    pilot->wantedHeading = 1.5f;
+    fill(krControlAirplane);
+    EXPECT_FLOAT_EQ(record[0], 1);
+    EXPECT_FLOAT_EQ(record[1], -1);
+    // A car's record is left alone.
+    record[0] = 7;
+    fill(krControlCar);
+    EXPECT_FLOAT_EQ(record[0], 7);
+    // The pilot's turn rate moves the wanted heading.
+    pilot->wantedHeading = 0;
+    pilot->setControl(0, 0.5f);
+    pilot->update(2);
+    EXPECT_FLOAT_EQ(pilot->wantedHeading, 1);
 }
 
 }  // namespace
