@@ -342,8 +342,9 @@ void krControl::childGone(krControl* child) {
 
 void krControl::removeChild(krModule* child) {
     if (child && activeChild == child->handle()) activeChild = 0;
-    krModule::removeChild(child);
+    // The news goes up while the child is surely still in memory: leaving the list may free it.
     if (auto* c = dynamic_cast<krControl*>(child)) childGone(c);
+    krModule::removeChild(child);
 }
 
 bool krControl::update(float dt) {

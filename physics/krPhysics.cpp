@@ -166,6 +166,7 @@ void krPhysics::castRays(float dt) {
         // An owner that a handler switched off since is passed over: it may be gone.
         if (std::find(activeRayObjects.begin(), activeRayObjects.end(), owner) == activeRayObjects.end()) continue;
         krModule* module = owner->rayModule();
+        if (!module) continue;
         auto* self = dynamic_cast<krCollisionObject*>(module);
         krModuleHold hold{module};
         for (size_t r = 0; r < owner->rays.size(); ++r) {
