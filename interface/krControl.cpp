@@ -81,7 +81,7 @@ void krControl::recolor() {
     for (krVertex& v : fillVertices) v.color = c;
     colorBorder();
     textData.color = scaled(textColor, visibility);
-    if (textData.shadowColor.a != 0 || shadowColor.a == 0) textData.shadowColor = scaled(shadowColor, visibility);
+    if (shadowWanted) textData.shadowColor = scaled(shadowColor, visibility);
 }
 
 void krControl::colorBorder() {
@@ -259,6 +259,7 @@ void krControl::setFont(const std::string& name, krColor color, float w, float h
 
 void krControl::setTextShadow(krColor color, float dx, float dy) {
     shadowColor = color;
+    shadowWanted = true;
     textData.shadowColor = scaled(color, visibility);
     textData.shadowOffset = {dx, dy, 0};
 }

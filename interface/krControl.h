@@ -113,6 +113,9 @@ protected:
     krColor borderColor{0, 0, 0, 0};
     krColor textColor{255, 255, 255, 255};
     krColor shadowColor{0, 0, 0, 128};
+    // The shadow draws once a script asks for one: at the default offset of 0 it would only lie
+    // under the text.
+    bool shadowWanted = false;
     std::array<krVertex, 4> fillVertices{};
     std::array<krVertex, 16> borderVertices{};
     krDynamicData fill;
