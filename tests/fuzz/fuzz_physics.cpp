@@ -1,6 +1,8 @@
 // Arbitrary bytes as a world: level meshes, bodies of every style with raw poses, velocities,
 // masses, sizes and locks (values that are not numbers among them), a movable mesh, then
 // substeps. Counts are capped so that every input steps in bounded time.
+#include "fuzz_world.h"
+
 #include <cstdint>
 #include <cstring>
 #include <vector>
@@ -14,41 +16,13 @@
 
 namespace {
 
+using fuzzWorld::Bytes;
+using fuzzWorld::root;
+
 constexpr int maxBodies = 24;
 constexpr int maxLevels = 3;
 constexpr int maxCorners = 48;
 constexpr int maxSubsteps = 40;
-
-// Reads the input front to back; past its end everything reads as zero.
-class Bytes {
-public:
-    Bytes(const uint8_t* d, size_t n) : data(d), size(n) {}
-    uint8_t byte() { return at < size ? data[at++] : 0; }
-    float number() {
-        uint8_t raw[4] = {byte(), byte(), byte(), byte()};
-        // Most inputs should be ordinary numbers: small values from one byte, raw floats else.
-        if (raw[0] < 0xF0) return (static_cast<int8_t>(raw[1]) + raw[2] / 256.0f) * (raw[0] & 3 ? 1.0f : 0.1f);
-        float f;
-        std::memcpy(&f, raw, 4);
-        return f;
-    }
-    krVector3 vector() { return {number(), number(), number()}; }
-
-private:
-    const uint8_t* data;
-    size_t size;
-    size_t at = 0;
-};
-
-krMain* root() {
-    static krMain* main = [] {
-        krSystem::markStackBase();
-        auto* m = new krMain(0, nullptr);
-        m->attach();
-        return m;
-    }();
-    return main;
-}
 
 void mesh(Bytes& in, krMesh& m, int32_t kind) {
     const int corners = 3 + in.byte() % maxCorners;

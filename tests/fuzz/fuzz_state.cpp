@@ -2,6 +2,8 @@
 // is applied through readState to a body, a car with a number of wheels and an airplane with an
 // engine, as a client applies what a datagram carried; then the world steps. Nothing may be read
 // past a record, and a state that is no number must stop at the world's check, not spread.
+#include "fuzz_world.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <vector>
@@ -19,26 +21,12 @@
 
 namespace {
 
+using fuzzWorld::make;
+using fuzzWorld::root;
+
 constexpr int maxRecords = 16;
 constexpr int maxTyres = 8;
 constexpr int substeps = 5;
-
-krMain* root() {
-    static krMain* main = [] {
-        krSystem::markStackBase();
-        auto* m = new krMain(0, nullptr);
-        m->attach();
-        return m;
-    }();
-    return main;
-}
-
-template <class T>
-T* make(krModule* owner) {
-    auto* m = new T(owner);
-    m->attach();
-    return m;
-}
 
 }  // namespace
 

@@ -3,6 +3,8 @@
 // direction and power (values that are not numbers among them), then substeps. Counts are capped
 // so that every input steps in bounded time. Nothing may crash or convert a number out of range,
 // and a body whose motion stops being a number must stop at the world's check.
+#include "fuzz_world.h"
+
 #include <cstdint>
 #include <cstring>
 
@@ -21,47 +23,13 @@
 
 namespace {
 
+using fuzzWorld::Bytes;
+using fuzzWorld::make;
+using fuzzWorld::root;
+
 constexpr int maxVehicles = 6;
 constexpr int maxParts = 8;
 constexpr int maxSubsteps = 40;
-
-// Reads the input front to back; past its end everything reads as zero.
-class Bytes {
-public:
-    Bytes(const uint8_t* d, size_t n) : data(d), size(n) {}
-    uint8_t byte() { return at < size ? data[at++] : 0; }
-    float number() {
-        uint8_t raw[4] = {byte(), byte(), byte(), byte()};
-        // Most inputs should be ordinary numbers: small values from one byte, raw floats else.
-        if (raw[0] < 0xF0) return (static_cast<int8_t>(raw[1]) + raw[2] / 256.0f) * (raw[0] & 3 ? 1.0f : 0.1f);
-        float f;
-        std::memcpy(&f, raw, 4);
-        return f;
-    }
-    krVector3 vector() { return {number(), number(), number()}; }
-
-private:
-    const uint8_t* data;
-    size_t size;
-    size_t at = 0;
-};
-
-krMain* root() {
-    static krMain* main = [] {
-        krSystem::markStackBase();
-        auto* m = new krMain(0, nullptr);
-        m->attach();
-        return m;
-    }();
-    return main;
-}
-
-template <class T>
-T* make(krModule* owner) {
-    auto* m = new T(owner);
-    m->attach();
-    return m;
-}
 
 void tyres(Bytes& in, krTyreVehicle* v) {
     v->tyreCountSetting = in.byte() % maxParts;
